@@ -1,0 +1,23 @@
+# at_options: what every target of the project is compiled with.
+# at_freestanding: what the daemon is compiled with on top, so that it needs the C library alone.
+
+find_package(Threads REQUIRED)
+
+add_library(at_options INTERFACE)
+target_compile_definitions(at_options INTERFACE _GNU_SOURCE)
+target_compile_options(at_options INTERFACE
+  -Wall -Wextra -Werror -Wshadow -Wconversion -Wformat=2 -Wundef -Wcast-align -Wvla
+  $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor -Woverloaded-virtual -Wextra-semi -Wold-style-cast>
+  -fno-strict-aliasing -ffunction-sections -fdata-sections)
+target_link_options(at_options INTERFACE -Wl,--gc-sections)
+target_link_libraries(at_options INTERFACE Threads::Threads)
+
+if(AT_SANITIZE)
+  target_compile_options(at_options INTERFACE
+    -fsanitize=${AT_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(at_options INTERFACE -fsanitize=${AT_SANITIZE})
+endif()
+
+add_library(at_freestanding INTERFACE)
+target_compile_options(at_freestanding INTERFACE
+  $<$<COMPILE_LANGUAGE:CXX>:-fno-exceptions -fno-rtti -fno-threadsafe-statics>)
