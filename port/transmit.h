@@ -1,14 +1,15 @@
 #ifndef AT_PORT_TRANSMIT_H
 #define AT_PORT_TRANSMIT_H
 
-// Writing lines to the modem: by the request thread for requests, by the response thread for follow-up lines of
-// reports. Log lines carry "at_server".
+// Writing lines to the modem: by the request thread for requests, by the response thread for follow-up lines
+// of reports. Log lines carry "at_server".
 
 // Writes `line` (NUL-terminated) to the modem's port. 0 on success, 1 on a null line or a failed write.
 int send_at_cmd(const char* line);
 
-// The sending half of a transaction: writes the line, counts it and notes the time. A failed write marks the port closed,
-// asks for a modem reset and lets the request loop go on; the request is answered by its time-out later.
+// The sending half of a transaction: writes the line, counts it and notes the time. A failed write marks the
+// port closed, asks for a modem reset and lets the request loop go on; the request is answered by its
+// time-out later.
 void send_resolve_at(const char* line);
 
 #endif

@@ -28,7 +28,8 @@ enum {
     AT_CMD_TYPE_TEST = 4  /* AT+X=? */
 };
 
-/* ucResult: how the modem, or the server in its place, answered. Nothing ever leaves the server with result 0. */
+/* ucResult: how the modem, or the server in its place, answered. Nothing ever leaves the server with result
+ * 0. */
 enum {
     AT_RESULT_OK = 1,
     AT_RESULT_ERROR = 2,      /* "ERROR" or "not support" */
@@ -56,19 +57,20 @@ enum {
 
 /* A request, as it stands in MSG_BUF.aucDataBuf. */
 typedef struct {
-    uint16_t usCmdID;      /* command id, the key into the AT command table */
-    uint8_t ucCmdType;     /* AT_CMD_TYPE_... */
-    uint8_t aucReserved[3]; /* neither read nor written by the server */
-    uint16_t usParaLen;    /* bytes of aucParas that are meant */
+    uint16_t usCmdID;                        /* command id, the key into the AT command table */
+    uint8_t ucCmdType;                       /* AT_CMD_TYPE_... */
+    uint8_t aucReserved[3];                  /* neither read nor written by the server */
+    uint16_t usParaLen;                      /* bytes of aucParas that are meant */
     uint8_t aucParas[AT_REQUEST_PARAS_SIZE]; /* the command's parameter record; not aligned for integers */
 } _BK_AT_CMD_T;
 
 /* An answer or a report, as it stands in MSG_BUF.aucDataBuf. */
 typedef struct {
-    uint16_t usCmdID;   /* id of the request that is answered, or of the report */
-    uint8_t ucCmdType;  /* the request's, copied */
-    uint8_t ucResult;   /* AT_RESULT_... */
-    uint16_t usParaLen; /* size of the record; may exceed aucParas where the record is handed over in a file */
+    uint16_t usCmdID;  /* id of the request that is answered, or of the report */
+    uint8_t ucCmdType; /* the request's, copied */
+    uint8_t ucResult;  /* AT_RESULT_... */
+    uint16_t
+        usParaLen; /* size of the record; may exceed aucParas where the record is handed over in a file */
     uint8_t aucParas[AT_RESPONSE_PARAS_SIZE]; /* result record or text; not aligned for integers */
 } _BK_AT_RES_T;
 

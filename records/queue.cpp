@@ -43,13 +43,15 @@ int send_msg_buf(MSG_BUF* msg) {
     if (res->usCmdID == kHangUpCommand) g_atd_warting.store(0, std::memory_order_relaxed);
 
     AT_LOG(LOG_DEBUG,
-           "tagMSG_BUF : lMsgType=0x%0x, usTargetModuleID=0x%0x,usSourceModuleID=0x%0x,usMsgCmd=0x%0x,usDataLen=0x%0x, "
+           "tagMSG_BUF : lMsgType=0x%0x, "
+           "usTargetModuleID=0x%0x,usSourceModuleID=0x%0x,usMsgCmd=0x%0x,usDataLen=0x%0x, "
            "aucDataBuf=0x%0x, ulMagic=0x%0x \n",
            static_cast<unsigned>(msg->lMsgType), msg->usTargetModuleID, msg->usSourceModuleID, msg->usMsgCmd,
            msg->usDataLen, static_cast<unsigned>(reinterpret_cast<uintptr_t>(msg->aucDataBuf)), msg->ulMagic);
-    AT_LOG(LOG_DEBUG, "_BK_AT_RES_T : usCmdID=0x%0x,ucCmdType=0x%0x,ucResult=0x%0x,usParaLen=0x%0x,aucParas=%.*s \n",
-           res->usCmdID, res->ucCmdType, res->ucResult, res->usParaLen, static_cast<int>(sizeof res->aucParas),
-           reinterpret_cast<const char*>(res->aucParas));
+    AT_LOG(LOG_DEBUG,
+           "_BK_AT_RES_T : usCmdID=0x%0x,ucCmdType=0x%0x,ucResult=0x%0x,usParaLen=0x%0x,aucParas=%.*s \n",
+           res->usCmdID, res->ucCmdType, res->ucResult, res->usParaLen,
+           static_cast<int>(sizeof res->aucParas), reinterpret_cast<const char*>(res->aucParas));
 
     QueueMessage wire;
     ToWire(*msg, wire);

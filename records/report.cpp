@@ -11,14 +11,16 @@ static constexpr char kLogSource[] = "response";
 static constexpr uint16_t kReportDataLen = 518;
 static constexpr int kUssdCommand = 0x0532;
 
-// What the two senders differ in: the name in their log lines, whose result leaves, and whether USSD text travels.
+// What the two senders differ in: the name in their log lines, whose result leaves, and whether USSD text
+// travels.
 struct ReportSender {
     const char* name;
     bool own_result;
     bool withhold_ussd;
 };
 
-static int SendReport(const ReportSender& sender, int target, int cmd_id, int cmd_type, const _BK_AT_RES_T* res) {
+static int SendReport(const ReportSender& sender, int target, int cmd_id, int cmd_type,
+                      const _BK_AT_RES_T* res) {
     if (res == nullptr) {
         AT_LOG(LOG_ERR, "ERROR: %s NULL parameter.\n", sender.name);
         return 1;

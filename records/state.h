@@ -11,13 +11,14 @@
 //   the request thread (main): receives requests, generates and writes lines;
 //   the response thread: reads the modem, answers, reports, times out;
 //   the timer service: runs the watchdog once a minute.
-// Everything that crosses is a 32-bit atomic (the router's processor has no others without a library) or goes through
-// records/handover.h. Everything else has one owner, named here.
+// Everything that crosses is a 32-bit atomic (the router's processor has no others without a library) or goes
+// through records/handover.h. Everything else has one owner, named here.
 
 // The request in flight; lMsgType is -1 when nothing is outstanding. Owner: response thread.
 extern MSG_BUF g_at_msg;
 
-// The last command line sent, its CR included. Owner: response thread (it arrives with the request it belongs to).
+// The last command line sent, its CR included. Owner: response thread (it arrives with the request it belongs
+// to).
 inline constexpr int kLineSize = 1024;
 extern char g_cmd_str[kLineSize];
 
@@ -25,23 +26,26 @@ extern char g_cmd_str[kLineSize];
 extern uint16_t g_last_atcmd;
 
 // The request view of g_at_msg.aucDataBuf.
-inline _BK_AT_CMD_T* PendingRequest() { return reinterpret_cast<_BK_AT_CMD_T*>(g_at_msg.aucDataBuf); }
+inline _BK_AT_CMD_T* PendingRequest() {
+    return reinterpret_cast<_BK_AT_CMD_T*>(g_at_msg.aucDataBuf);
+}
 
 // Zeroes the request in flight and marks it idle.
 void ClearPendingRequest();
 
-// Not zero while a request is being served: the ticket of that request. Set by the request thread, cleared by either.
+// Not zero while a request is being served: the ticket of that request. Set by the request thread, cleared by
+// either.
 extern std::atomic<uint32_t> g_at_processing;
 
-// 1 from the dial line until the call's outcome or the hang-up is known. Set by the request thread, cleared by the
-// response thread.
+// 1 from the dial line until the call's outcome or the hang-up is known. Set by the request thread, cleared
+// by the response thread.
 extern std::atomic<uint32_t> g_atd_warting;
 
 // times() at the last line that was written. Lines are written by both threads.
 extern std::atomic<uint32_t> g_at_send_time;
 
-// Transaction counters: lines written (both threads), answers delivered and reports routed (response thread), requests
-// that ended by time-out (response thread). Read by the request thread for the statistics line.
+// Transaction counters: lines written (both threads), answers delivered and reports routed (response thread),
+// requests that ended by time-out (response thread). Read by the request thread for the statistics line.
 struct AT_STATISTICS_T {
     std::atomic<uint32_t> send;
     std::atomic<uint32_t> received;
@@ -50,8 +54,8 @@ struct AT_STATISTICS_T {
 };
 extern AT_STATISTICS_T g_at_statistics;
 
-// Counters that move only while the modem watchdog is on: lines written, and reads that returned data. The second is
-// consumed by the watchdog on the timer service's thread.
+// Counters that move only while the modem watchdog is on: lines written, and reads that returned data. The
+// second is consumed by the watchdog on the timer service's thread.
 struct AT_WATCHDOG_STATISTICS_T {
     std::atomic<uint32_t> written;
     std::atomic<uint32_t> read;

@@ -1,7 +1,6 @@
 #include "text/atpublic.h"
 
 #include <errno.h>
-#include <stdio.h>
 #include <string.h>
 #include <sys/select.h>
 #include <time.h>
@@ -149,7 +148,6 @@ const char* AtTimeStamp() {
     const time_t now = time(nullptr);
     tm local{};
     localtime_r(&now, &local);
-    snprintf(text, sizeof text, "%4d/%02d/%02d %02d:%02d:%02d", local.tm_year + 1900, local.tm_mon + 1, local.tm_mday,
-             local.tm_hour, local.tm_min, local.tm_sec);
+    strftime(text, sizeof text, "%Y/%m/%d %H:%M:%S", &local);
     return text;
 }
