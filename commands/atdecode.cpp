@@ -40,7 +40,8 @@ void LogWithText(const char* source, int line, const char* format, const char* t
         syslog(LOG_INFO, "%s, %d %s", source, line, format);
         return;
     }
-    syslog(LOG_INFO, "%s, %d %.*s%s%s", source, line, static_cast<int>(hole - format), format, text, hole + 2);
+    syslog(LOG_INFO, "%s, %d %.*s%s%s", source, line, static_cast<int>(hole - format), format, text,
+           hole + 2);
 }
 
 void RestoreField(void* record, const FieldRef& field) {
@@ -63,8 +64,9 @@ bool DecodeBySpec(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine, const DecodeSpec&
     const AnswerSpec* answer = AnswerFor(pRes->ucCmdType, spec);
     if (answer == nullptr || answer->size > sizeof pRes->aucParas) return false;
     if (answer->result_test && OnlyAResult(pRes, pResLine->strResParas)) return false;
-    if (answer->log_text != nullptr) LogWithText(kLogSource, __LINE__, answer->log_text, pResLine->strResParas);
     if (answer->from == From::normalised) PreProc_Res_ParaLine(pResLine->strResParas);
+    if (answer->log_text != nullptr)
+        LogWithText(kLogSource, __LINE__, answer->log_text, pResLine->strResParas);
     memset(pRes->aucParas, 0, answer->size);
     const FieldRef* fields = spec.fields + answer->first_field;
     if (answer->from == From::whole) {
@@ -72,18 +74,22 @@ bool DecodeBySpec(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine, const DecodeSpec&
     } else {
         ScanRecord(pResLine->strResParas, answer->format, {fields, answer->fields}, pRes->aucParas);
         if (answer->from == From::normalised)
-            for (size_t i = 0; i < answer->fields; ++i) RestoreField(pRes->aucParas, fields[i]);
+            for (size_t i = 0; i < answer->fields; ++i)
+                RestoreField(pRes->aucParas, fields[i]);
     }
     pRes->usParaLen = answer->length;
     if (answer->log != nullptr) {
         char text[kLogTextSize];
-        PrintRecord(text, answer->log, {spec.fields + answer->first_log_arg, answer->log_args}, pRes->aucParas);
+        PrintRecord(text, answer->log, {spec.fields + answer->first_log_arg, answer->log_args},
+                    pRes->aucParas);
         AT_LOG(LOG_INFO, "%s", text);
     }
     return true;
 }
 
-int Parse_None_Res(_BK_AT_RES_T*, AT_RES_LINE_T*) { return 0; }
+int Parse_None_Res(_BK_AT_RES_T*, AT_RES_LINE_T*) {
+    return 0;
+}
 
 int Parse_Text_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine) {
     if (pRes == nullptr || pResLine == nullptr) return 0;

@@ -3,24 +3,41 @@
 
 #include "commands/contract.h"
 
-// Decoders that are functions of their own; all other rows use the generic one. Response thread only: the large work
-// areas are shared (commands/work_area.h). Log lines carry "atdecode".
+// Decoders that are functions of their own; all other rows use the generic one. Response thread only: the
+// large work areas are shared (commands/work_area.h). Log lines carry "atdecode".
 
 // Answers whose result says everything: changes nothing.
 int Parse_None_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine);
 
-// The whole parameter text with its NUL, at most 633 characters; usParaLen is the length of what was copied. Serves every type.
+// The whole parameter text with its NUL, at most 633 characters; usParaLen is the length of what was copied.
+// Serves every type.
 int Parse_Text_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine);
 
 // SIM toolkit reports, decoded while a response is still being scanned. +ZMTime has no row.
-inline int Parse_Zpstm_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine) { return Parse_Text_Res(pRes, pResLine); }
-inline int Parse_Zmtime_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine) { return Parse_Text_Res(pRes, pResLine); }
-inline int Parse_Zdist_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine) { return Parse_Text_Res(pRes, pResLine); }
-inline int Parse_Zfdist_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine) { return Parse_Text_Res(pRes, pResLine); }
-inline int Parse_Zsmsr_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine) { return Parse_Text_Res(pRes, pResLine); }
-inline int Parse_Zsti_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine) { return Parse_Text_Res(pRes, pResLine); }
-inline int Parse_Zginp_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine) { return Parse_Text_Res(pRes, pResLine); }
-inline int Parse_Zgink_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine) { return Parse_Text_Res(pRes, pResLine); }
+inline int Parse_Zpstm_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine) {
+    return Parse_Text_Res(pRes, pResLine);
+}
+inline int Parse_Zmtime_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine) {
+    return Parse_Text_Res(pRes, pResLine);
+}
+inline int Parse_Zdist_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine) {
+    return Parse_Text_Res(pRes, pResLine);
+}
+inline int Parse_Zfdist_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine) {
+    return Parse_Text_Res(pRes, pResLine);
+}
+inline int Parse_Zsmsr_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine) {
+    return Parse_Text_Res(pRes, pResLine);
+}
+inline int Parse_Zsti_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine) {
+    return Parse_Text_Res(pRes, pResLine);
+}
+inline int Parse_Zginp_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine) {
+    return Parse_Text_Res(pRes, pResLine);
+}
+inline int Parse_Zgink_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine) {
+    return Parse_Text_Res(pRes, pResLine);
+}
 
 int Parse_COPS_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine);
 int Parse_CREG_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine);

@@ -39,11 +39,13 @@ bool Chosen(const FormSpec& form, const EncodeSpec& spec, const uint8_t* record)
 int EncodeBySpec(AT_CMD_LINE_T* pCmdLine, const _BK_AT_CMD_T* pCmd, const EncodeSpec& spec) {
     if (pCmdLine == nullptr || pCmd == nullptr) return 0;
     if (pCmd->ucCmdType != AT_CMD_TYPE_SET) return 0;
-    if (pCmd->usParaLen != spec.record_size || spec.record_size > sizeof pCmd->aucParas) return spec.record_size;
+    if (pCmd->usParaLen != spec.record_size || spec.record_size > sizeof pCmd->aucParas)
+        return spec.record_size;
     for (size_t i = 0; i < spec.form_count; ++i) {
         const FormSpec& form = spec.forms[i];
         if (!Chosen(form, spec, pCmd->aucParas)) continue;
-        PrintRecord(pCmdLine->strCmdParas, form.format, {spec.args + form.first_arg, form.args}, pCmd->aucParas);
+        PrintRecord(pCmdLine->strCmdParas, form.format, {spec.args + form.first_arg, form.args},
+                    pCmd->aucParas);
         if (spec.log != nullptr) LogWithText(kLogSource, __LINE__, spec.log, pCmdLine->strCmdParas);
         break;
     }
@@ -61,7 +63,8 @@ int Make_Dial_Cmd(AT_CMD_LINE_T* pCmdLine, const _BK_AT_CMD_T* pCmd) {
     const size_t given = pCmd->usParaLen < kDialNumberMax ? pCmd->usParaLen : kDialNumberMax;
     const char* number = reinterpret_cast<const char*>(pCmd->aucParas);
     const size_t length = strnlen(number, given);
-    for (size_t i = 0; i < length; ++i) AT_LOG(LOG_INFO, "call_num  buf= %c", number[i]);
+    for (size_t i = 0; i < length; ++i)
+        AT_LOG(LOG_INFO, "call_num  buf= %c", number[i]);
     memcpy(pCmdLine->strCmdParas, number, length);
     pCmdLine->strCmdParas[length] = ';';
     pCmdLine->strCmdParas[length + 1] = '\0';

@@ -3,13 +3,14 @@
 
 #include "commands/contract.h"
 
-// Encoders that are functions of their own; all other rows use the generic one. Request thread. Log lines carry
-// "atencode".
+// Encoders that are functions of their own; all other rows use the generic one. Request thread. Log lines
+// carry "atencode".
 
 // Commands that take no parameters: writes nothing.
 int Make_None_Cmd(AT_CMD_LINE_T* pCmdLine, const _BK_AT_CMD_T* pCmd);
 
-// D and +CDV, EXEC: the number (usParaLen bytes, at most 35 characters, up to its first NUL) and ";" for a voice call.
+// D and +CDV, EXEC: the number (usParaLen bytes, at most 35 characters, up to its first NUL) and ";" for a
+// voice call.
 int Make_Dial_Cmd(AT_CMD_LINE_T* pCmdLine, const _BK_AT_CMD_T* pCmd);
 
 int Make_COPS_Cmd(AT_CMD_LINE_T* pCmdLine, const _BK_AT_CMD_T* pCmd);

@@ -3,8 +3,8 @@
 
 #include "commands/row.h"
 
-// The encoder and the decoder that serve all rows, and what they keep of a row at run time: formats, offsets and sizes.
-// commands/row_codec.h makes it of the rows.
+// The encoder and the decoder that serve all rows, and what they keep of a row at run time: formats, offsets
+// and sizes. commands/row_codec.h makes it of the rows.
 
 struct Condition {
     FieldRef field;
@@ -27,18 +27,19 @@ struct EncodeSpec {
     uint8_t form_count;
 };
 
-// SET with a record of exactly spec.record_size bytes: prints the first form whose conditions hold; anything else leaves
-// the parameter text empty. Returns the record size when the request's length differs from it, else 0.
+// SET with a record of exactly spec.record_size bytes: prints the first form whose conditions hold; anything
+// else leaves the parameter text empty. Returns the record size when the request's length differs from it,
+// else 0.
 int EncodeBySpec(AT_CMD_LINE_T* pCmdLine, const _BK_AT_CMD_T* pCmd, const EncodeSpec& spec);
 
 struct AnswerSpec {
     const char* format;
     const char* log_text;
     const char* log;
-    uint16_t size;    // bytes of the record
-    uint16_t length;  // usParaLen
-    uint8_t first_field, fields;        // in DecodeSpec::fields
-    uint8_t first_log_arg, log_args;    // in DecodeSpec::fields
+    uint16_t size;                    // bytes of the record
+    uint16_t length;                  // usParaLen
+    uint8_t first_field, fields;      // in DecodeSpec::fields
+    uint8_t first_log_arg, log_args;  // in DecodeSpec::fields
     Types types;
     From from;
     bool result_test;

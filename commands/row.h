@@ -9,11 +9,12 @@
 #include "commands/contract.h"
 #include "text/scan.h"
 
-// How a command is written down: a record as a plain struct (commands/records_*.h), its fields as a Record, and one Row in
-// its domain's list (commands/rows_*.h). All of it is known to the compiler: the daemon keeps only formats, offsets and
-// sizes (commands/row_codec.h), tools read all of it (commands/catalog.h).
+// How a command is written down: a record as a plain struct (commands/records_*.h), its fields as a Record,
+// and one Row in its domain's list (commands/rows_*.h). All of it is known to the compiler: the daemon keeps
+// only formats, offsets and sizes (commands/row_codec.h), tools read all of it (commands/catalog.h).
 
-// ---- Records -------------------------------------------------------------------------------------------------------
+// ---- Records
+// -------------------------------------------------------------------------------------------------------
 
 struct Field {
     const char* name = nullptr;
@@ -43,7 +44,8 @@ void ThisOffsetIsNotWhereTheStructHasTheField();
 void ThisSizeIsNotTheSizeOfTheStruct();
 void TheRecordHasNoFieldOfThisName();
 
-consteval Field MakeField(const char* name, FieldType type, size_t typed, size_t real, size_t size, const char* meaning) {
+consteval Field MakeField(const char* name, FieldType type, size_t typed, size_t real, size_t size,
+                          const char* meaning) {
     if (typed != real) ThisOffsetIsNotWhereTheStructHasTheField();
     return {name, type, static_cast<uint16_t>(typed), static_cast<uint16_t>(size), meaning};
 }
@@ -56,7 +58,8 @@ consteval Record MakeRecord(const char* name, size_t typed, size_t real, const F
     record.name = name;
     record.size = static_cast<uint32_t>(typed);
     record.count = N;
-    for (size_t i = 0; i < N; ++i) record.fields[i] = fields[i];
+    for (size_t i = 0; i < N; ++i)
+        record.fields[i] = fields[i];
     return record;
 }
 
@@ -67,23 +70,25 @@ consteval Record MakeList(Record record, const Record& entry, size_t offset, siz
     return record;
 }
 
-// A record and its fields. The size and the offsets are typed by hand and compared with what the compiler made of the
-// struct: two independent statements of a layout that other programs rely on.
-//     inline constexpr Record kCmgdSetPara = AT_RECORD(AT_CMGD_SET_PARA_T, 8, AT_FIELD(index, 0, "..."), ...);
-#define AT_RECORD(Struct, bytes, ...)                                             \
-    [] {                                                                          \
-        using AtStruct = Struct;                                                  \
-        return MakeRecord(#Struct, bytes, sizeof(AtStruct), {__VA_ARGS__});       \
+// A record and its fields. The size and the offsets are typed by hand and compared with what the compiler
+// made of the struct: two independent statements of a layout that other programs rely on.
+//     inline constexpr Record kCmgdSetPara = AT_RECORD(AT_CMGD_SET_PARA_T, 8, AT_FIELD(index, 0, "..."),
+//     ...);
+#define AT_RECORD(Struct, bytes, ...)                                       \
+    [] {                                                                    \
+        using AtStruct = Struct;                                            \
+        return MakeRecord(#Struct, bytes, sizeof(AtStruct), {__VA_ARGS__}); \
     }()
-#define AT_FIELD(member, at, meaning)                                                                       \
-    MakeField(#member, FieldTypeOf<decltype(AtStruct::member)>(), at, offsetof(AtStruct, member),            \
+#define AT_FIELD(member, at, meaning)                                                             \
+    MakeField(#member, FieldTypeOf<decltype(AtStruct::member)>(), at, offsetof(AtStruct, member), \
               sizeof(AtStruct::member), meaning)
 // A text that may fill its array and then has no NUL.
 #define AT_BYTES(member, at, meaning) \
     MakeField(#member, FieldType::bytes, at, offsetof(AtStruct, member), sizeof(AtStruct::member), meaning)
 
 constexpr bool SameText(const char* a, const char* b) {
-    while (*a != '\0' && *a == *b) ++a, ++b;
+    while (*a != '\0' && *a == *b)
+        ++a, ++b;
     return *a == *b;
 }
 
@@ -94,7 +99,8 @@ constexpr const Field& FieldNamed(const Record& record, const char* name) {
     return record.fields[0];
 }
 
-// ---- Requests ------------------------------------------------------------------------------------------------------
+// ---- Requests
+// ------------------------------------------------------------------------------------------------------
 
 inline constexpr size_t kMaxArgs = kMaxFields;
 inline constexpr size_t kMaxForms = 6;
@@ -105,7 +111,12 @@ struct Args {
     const char* names[kMaxArgs] = {};
 };
 
-enum class Test : uint8_t { present, absent, equals, at_least };  // present: a non-empty text, an integer that is not 0
+enum class Test : uint8_t {
+    present,
+    absent,
+    equals,
+    at_least
+};  // present: a non-empty text, an integer that is not 0
 
 struct When {
     const char* field = nullptr;
@@ -138,14 +149,16 @@ struct Encode {
     Encoder function = nullptr;
 };
 
-// ---- Answers and reports -------------------------------------------------------------------------------------------
+// ---- Answers and reports
+// -------------------------------------------------------------------------------------------
 
 using Types = uint8_t;  // one bit for each command type
 inline constexpr Types kExec = 1 << AT_CMD_TYPE_EXEC;
 inline constexpr Types kSet = 1 << AT_CMD_TYPE_SET;
 inline constexpr Types kRead = 1 << AT_CMD_TYPE_READ;
 inline constexpr Types kTest = 1 << AT_CMD_TYPE_TEST;
-inline constexpr Types kEveryType = 0xff;  // reports are decoded under the type of whatever is pending, 0 included
+inline constexpr Types kEveryType =
+    0xff;  // reports are decoded under the type of whatever is pending, 0 included
 
 enum class From : uint8_t {
     raw,         // the parameter text as it stands
@@ -165,10 +178,10 @@ struct Answer {
     From from = From::raw;
     const char* format = nullptr;
     Args args = {};
-    bool result_test = false;  // "OK": length 2; "retry operation", "network rejected request": nothing
-    uint16_t length = 0;       // usParaLen where it is not the record's size
-    uint16_t carried = 0;      // bytes that travel where the record is larger than a message
-    const char* log_text = nullptr;  // before decoding; "%s" is the parameter text
+    bool result_test = false;        // "OK": length 2; "retry operation", "network rejected request": nothing
+    uint16_t length = 0;             // usParaLen where it is not the record's size
+    uint16_t carried = 0;            // bytes that travel where the record is larger than a message
+    const char* log_text = nullptr;  // before scanning; "%s" is the text that is scanned
     Log log = {};                    // behind decoding
     const char* file = nullptr;      // the record travels in this file, not in the message
 };
@@ -187,7 +200,8 @@ struct Decode {
     Decoder function = nullptr;
 };
 
-// ---- Rows ----------------------------------------------------------------------------------------------------------
+// ---- Rows
+// ----------------------------------------------------------------------------------------------------------
 
 struct Row {
     int position = 0;  // in the search order, from 1
@@ -198,12 +212,19 @@ struct Row {
     Decode decode = {};
 };
 
+// The commonest sides of a row.
+inline constexpr Encode kNoParameters = {.kind = EncodeKind::none};
+inline constexpr Encode kReportOnly = {.kind = EncodeKind::absent};
+inline constexpr Decode kResultOnly = {.kind = DecodeKind::none};
+inline constexpr Decode kWholeText = {.kind = DecodeKind::text};
+
 // The size of a format's argument list, and the fields it names.
 constexpr size_t ArgCount(const char* format, const Args& args) {
     if (format == nullptr) return 0;
     if (args.names[0] == nullptr) return static_cast<size_t>(CountConversions(format));
     size_t count = 0;
-    while (count < kMaxArgs && args.names[count] != nullptr) ++count;
+    while (count < kMaxArgs && args.names[count] != nullptr)
+        ++count;
     return count;
 }
 

@@ -22,7 +22,8 @@ enum RowFault : unsigned {
 
 constexpr size_t TextLength(const char* text) {
     size_t length = 0;
-    while (text[length] != '\0') ++length;
+    while (text[length] != '\0')
+        ++length;
     return length;
 }
 
@@ -44,7 +45,8 @@ constexpr int LongestText(const Record& record, const char* format, const Args& 
     std::array<FieldRef, kMaxArgs> refs = {};
     const size_t count = ArgCount(format, args);
     if (count > kMaxArgs) return -1;
-    for (size_t i = 0; i < count; ++i) refs[i] = ArgRef(record, args, i);
+    for (size_t i = 0; i < count; ++i)
+        refs[i] = ArgRef(record, args, i);
     return LongestPrint(format, {refs.data(), count});
 }
 
@@ -84,7 +86,8 @@ constexpr unsigned AnswerFaults(const Answer& answer) {
         std::array<FieldRef, kMaxArgs> refs = {};
         const size_t count = ArgCount(answer.format, answer.args);
         if (count > kMaxArgs) return faults | kFaultScanFormat;
-        for (size_t i = 0; i < count; ++i) refs[i] = ArgRef(scanned, answer.args, i);
+        for (size_t i = 0; i < count; ++i)
+            refs[i] = ArgRef(scanned, answer.args, i);
         if (!ScanFits(answer.format, {refs.data(), count})) faults |= kFaultScanFormat;
     }
     if (answer.from == From::whole && (answer.format != nullptr || record.fields[0].type != FieldType::text))
@@ -103,7 +106,8 @@ constexpr unsigned DecodeFaults(const Decode& decode) {
             continue;
         }
         if ((served & answer.types) != 0 && decode.kind != DecodeKind::custom) faults |= kFaultTypes;
-        if ((answer.file != nullptr || answer.carried != 0) && decode.kind != DecodeKind::custom) faults |= kFaultKind;
+        if ((answer.file != nullptr || answer.carried != 0) && decode.kind != DecodeKind::custom)
+            faults |= kFaultKind;
         served |= answer.types;
         faults |= AnswerFaults(answer);
     }
@@ -123,22 +127,28 @@ constexpr unsigned RowFaults(const Row& row, int rows) {
 struct RowName {
     char text[64] = {};
     consteval RowName(const char* name) {
-        for (size_t i = 0; i < sizeof text - 1 && name[i] != '\0'; ++i) text[i] = name[i];
+        for (size_t i = 0; i < sizeof text - 1 && name[i] != '\0'; ++i)
+            text[i] = name[i];
     }
 };
 
 template <RowName Name, unsigned Faults>
 struct Accept {
     static_assert((Faults & kFaultPosition) == 0, "this row's position lies outside the table");
-    static_assert((Faults & kFaultTwice) == 0, "this row's position, id or name stands in another row already");
+    static_assert((Faults & kFaultTwice) == 0,
+                  "this row's position, id or name stands in another row already");
     static_assert((Faults & kFaultName) == 0, "this row's name does not fit the line under construction");
     static_assert((Faults & kFaultOverlap) == 0, "fields of this row's record overlap or reach behind it");
     static_assert((Faults & kFaultRequestSize) == 0, "this row's request record does not fit a message");
     static_assert((Faults & kFaultAnswerSize) == 0, "this row's answer record does not fit a message");
-    static_assert((Faults & kFaultPrintFormat) == 0, "a format of this row's encoder does not fit the fields it prints");
-    static_assert((Faults & kFaultTooLong) == 0, "this row can make 512 characters of parameter text or more");
-    static_assert((Faults & kFaultScanFormat) == 0, "a format of this row's decoder does not fit the fields it fills");
-    static_assert((Faults & kFaultLogFormat) == 0, "a log format of this row does not fit the fields it prints");
+    static_assert((Faults & kFaultPrintFormat) == 0,
+                  "a format of this row's encoder does not fit the fields it prints");
+    static_assert((Faults & kFaultTooLong) == 0,
+                  "this row can make 512 characters of parameter text or more");
+    static_assert((Faults & kFaultScanFormat) == 0,
+                  "a format of this row's decoder does not fit the fields it fills");
+    static_assert((Faults & kFaultLogFormat) == 0,
+                  "a log format of this row does not fit the fields it prints");
     static_assert((Faults & kFaultKind) == 0, "this row's kind and what stands beside it do not go together");
     static_assert((Faults & kFaultTypes) == 0, "this row's answers serve no type, or one type twice");
     static constexpr bool kOk = Faults == 0;

@@ -7,31 +7,34 @@
 #include "commands/atencode.h"
 #include "commands/generic.h"
 
-// From a row to its two functions. What is left of the row in the daemon is its EncodeSpec and its DecodeSpec; names,
-// titles and meanings stay with the compiler.
+// From a row to its two functions. What is left of the row in the daemon is its EncodeSpec and its
+// DecodeSpec; names, titles and meanings stay with the compiler.
 
 template <const auto& Rows, size_t Index>
 struct RowCodec {
-    static consteval const Row& Source() { return Rows[Index]; }
+    static constexpr const Row& Source() { return Rows[Index]; }
 
     // ---- Encoder ----
-    static consteval size_t FormCount() {
+    static constexpr size_t FormCount() {
         size_t count = 0;
-        while (count < kMaxForms && Source().encode.forms[count].format != nullptr) ++count;
+        while (count < kMaxForms && Source().encode.forms[count].format != nullptr)
+            ++count;
         return count;
     }
-    static consteval size_t EncodeArgCount() {
-        size_t count = 0;
-        for (const Form& form : Source().encode.forms) count += ArgCount(form.format, form.args);
-        return count;
-    }
-    static consteval size_t ConditionCount() {
+    static constexpr size_t EncodeArgCount() {
         size_t count = 0;
         for (const Form& form : Source().encode.forms)
-            for (const When& when : form.when) count += when.field != nullptr;
+            count += ArgCount(form.format, form.args);
         return count;
     }
-    static consteval auto EncodeArgs() {
+    static constexpr size_t ConditionCount() {
+        size_t count = 0;
+        for (const Form& form : Source().encode.forms)
+            for (const When& when : form.when)
+                count += when.field != nullptr;
+        return count;
+    }
+    static constexpr auto EncodeArgs() {
         std::array<FieldRef, EncodeArgCount()> refs = {};
         size_t next = 0;
         for (const Form& form : Source().encode.forms)
@@ -39,16 +42,17 @@ struct RowCodec {
                 refs[next++] = ArgRef(*Source().encode.record, form.args, i);
         return refs;
     }
-    static consteval auto Conditions() {
+    static constexpr auto Conditions() {
         std::array<Condition, ConditionCount()> conditions = {};
         size_t next = 0;
         for (const Form& form : Source().encode.forms)
             for (const When& when : form.when)
                 if (when.field != nullptr)
-                    conditions[next++] = {FieldNamed(*Source().encode.record, when.field).Ref(), when.test, when.value};
+                    conditions[next++] = {FieldNamed(*Source().encode.record, when.field).Ref(), when.test,
+                                          when.value};
         return conditions;
     }
-    static consteval auto Forms() {
+    static constexpr auto Forms() {
         std::array<FormSpec, FormCount()> forms = {};
         size_t arg = 0;
         size_t condition = 0;
@@ -56,7 +60,8 @@ struct RowCodec {
             const Form& form = Source().encode.forms[i];
             const size_t args = ArgCount(form.format, form.args);
             size_t conditions = 0;
-            for (const When& when : form.when) conditions += when.field != nullptr;
+            for (const When& when : form.when)
+                conditions += when.field != nullptr;
             forms[i] = {form.format, static_cast<uint8_t>(arg), static_cast<uint8_t>(args),
                         static_cast<uint8_t>(condition), static_cast<uint8_t>(conditions)};
             arg += args;
@@ -80,7 +85,7 @@ struct RowCodec {
         return EncodeBySpec(pCmdLine, pCmd, kEncode);
     }
 
-    static consteval Encoder EncodeFunction() {
+    static constexpr Encoder EncodeFunction() {
         switch (Source().encode.kind) {
             case EncodeKind::absent:
                 return nullptr;
@@ -97,22 +102,23 @@ struct RowCodec {
     }
 
     // ---- Decoder ----
-    static consteval size_t AnswerCount() {
+    static constexpr size_t AnswerCount() {
         size_t count = 0;
-        while (count < 3 && Source().decode.answers[count].types != 0) ++count;
+        while (count < 3 && Source().decode.answers[count].types != 0)
+            ++count;
         return count;
     }
-    static consteval const Record& Scanned(const Answer& answer) {
+    static constexpr const Record& Scanned(const Answer& answer) {
         return answer.record->entry != nullptr ? *answer.record->entry : *answer.record;
     }
-    static consteval size_t DecodeFieldCount() {
+    static constexpr size_t DecodeFieldCount() {
         size_t count = 0;
         for (const Answer& answer : Source().decode.answers)
             count += ArgCount(answer.format, answer.args) + ArgCount(answer.log.format, answer.log.args) +
                      (answer.from == From::whole ? 1 : 0);
         return count;
     }
-    static consteval auto DecodeFields() {
+    static constexpr auto DecodeFields() {
         std::array<FieldRef, DecodeFieldCount()> refs = {};
         size_t next = 0;
         for (const Answer& answer : Source().decode.answers) {
@@ -124,14 +130,15 @@ struct RowCodec {
         }
         return refs;
     }
-    static consteval auto Answers() {
+    static constexpr auto Answers() {
         std::array<AnswerSpec, AnswerCount()> specs = {};
         size_t next = 0;
         for (size_t i = 0; i < AnswerCount(); ++i) {
             const Answer& answer = Source().decode.answers[i];
             const size_t fields = answer.from == From::whole ? 1 : ArgCount(answer.format, answer.args);
             const size_t log_args = ArgCount(answer.log.format, answer.log.args);
-            const auto size = answer.record == nullptr ? uint16_t{0} : static_cast<uint16_t>(answer.record->size);
+            const auto size =
+                answer.record == nullptr ? uint16_t{0} : static_cast<uint16_t>(answer.record->size);
             specs[i] = {answer.format,
                         answer.log_text,
                         answer.log.format,
@@ -151,14 +158,15 @@ struct RowCodec {
 
     static constexpr auto kAnswers = Answers();
     static constexpr auto kDecodeFields = DecodeFields();
-    static constexpr DecodeSpec kDecode = {kAnswers.data(), kDecodeFields.data(), static_cast<uint8_t>(AnswerCount())};
+    static constexpr DecodeSpec kDecode = {kAnswers.data(), kDecodeFields.data(),
+                                           static_cast<uint8_t>(AnswerCount())};
 
     static int Parse(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine) {
         DecodeBySpec(pRes, pResLine, kDecode);
         return 0;
     }
 
-    static consteval Decoder DecodeFunction() {
+    static constexpr Decoder DecodeFunction() {
         switch (Source().decode.kind) {
             case DecodeKind::answers:
                 return &Parse;

@@ -1,0 +1,160 @@
+#include <string.h>
+
+#include <set>
+
+#include "checks/unit/vectors.h"
+#include "commands/catalog.h"
+
+TEST(Table, Facts) {
+    std::set<uint16_t> ids;
+    int reports = 0;
+    size_t longest = 0;
+    for (const AT_CMD_ITEM_T& item : g_astAtCmdTable) {
+        ids.insert(item.usCmdID);
+        reports += item.pfnMakeCmd == nullptr;
+        longest = std::max(longest, strlen(item.acCmdName));
+    }
+    EXPECT_EQ(std::size(g_astAtCmdTable), 186U);
+    EXPECT_EQ(ids.size(), 185U);
+    EXPECT_EQ(reports, 30);
+    EXPECT_EQ(longest, 53U);
+    EXPECT_EQ(sizeof(AT_CMD_ITEM_T::acCmdName), 66U);
+}
+
+TEST(FindById, CimiIsTheFirstOfItsTwoRows) {
+    int index = -1;
+    ASSERT_EQ(Bk_Find_Cmd_By_Id(0x0111, &index), 0);
+    EXPECT_EQ(index, 18);
+    EXPECT_EQ(g_astAtCmdTable[77].usCmdID, 0x0111);
+}
+
+TEST(FindById, EveryIdIsFoundAndItsNeighboursAreNot) {
+    for (uint32_t id = 0; id <= 0xffff; ++id) {
+        int index = -1;
+        const bool in_table = CatalogRow(static_cast<uint16_t>(id)) != nullptr;
+        ASSERT_EQ(Bk_Find_Cmd_By_Id(static_cast<uint16_t>(id), &index), in_table ? 0 : 1) << id;
+        if (in_table)
+            EXPECT_EQ(g_astAtCmdTable[index].usCmdID, id);
+        else
+            EXPECT_EQ(index, -1) << "written though not found";
+    }
+}
+
+TEST(FindById, NoPlaceForTheIndex) { EXPECT_EQ(Bk_Find_Cmd_By_Id(0x0604, nullptr), 1); }
+
+TEST(FindById, GroupByteWithoutARow) {
+    int index = -1;
+    EXPECT_EQ(Bk_Find_Cmd_By_Id(0x0102, &index), 1);
+}
+
+TEST(FindByName, EveryNameIsFound) {
+    for (const AT_CMD_ITEM_T& item : g_astAtCmdTable) {
+        int index = -1;
+        ASSERT_EQ(Bk_Find_Cmd_By_Name(&index, item.acCmdName), 0) << item.acCmdName;
+        EXPECT_EQ(g_astAtCmdTable[index].usCmdID, item.usCmdID);
+    }
+}
+
+TEST(FindByName, WholeNamesOnly) {
+    int index = -1;
+    for (const char* name : {"+CS", "+CSQQ", "+csq", " +CSQ", "+CSQ ", "d"}) {
+        EXPECT_EQ(Bk_Find_Cmd_By_Name(&index, name), -1) << name;
+        EXPECT_EQ(index, -1);
+    }
+    EXPECT_EQ(Bk_Find_Cmd_By_Name(nullptr, "+CSQ"), -1);
+    EXPECT_EQ(Bk_Find_Cmd_By_Name(&index, nullptr), -1);
+}
+
+TEST(Rows, EveryRowHasACodec) {
+    std::string missing;
+    for (const Row& row : kCatalog) {
+        if (row.encode.kind == EncodeKind::pending) missing += std::string("\n  encoder of ") + row.name;
+        if (row.decode.kind == DecodeKind::pending) missing += std::string("\n  decoder of ") + row.name;
+    }
+    if (!missing.empty()) GTEST_SKIP() << "not written yet:" << missing;
+}
+
+// As many vectors as the encoder has forms and the decoder has answers, at least.
+TEST(Rows, EveryRowHasAVector) {
+    for (const Row& row : kCatalog) {
+        int forms = row.encode.kind == EncodeKind::dial;
+        for (const Form& form : row.encode.forms) forms += form.format != nullptr;
+        EXPECT_GE(EncodeVectors()[row.id], forms) << "encoder of " << row.name;
+        int answers = row.decode.kind == DecodeKind::text;
+        for (const Answer& answer : row.decode.answers) answers += answer.types != 0;
+        EXPECT_GE(DecodeVectors()[row.id], answers) << "decoder of " << row.name;
+    }
+}
+
+// ---- What the compiler refuses, asked of rows that are wrong on purpose ------------------------------------------------
+
+namespace {
+
+struct Sample {
+    int32_t number;
+    char text[8];
+};
+constexpr Record kSample = AT_RECORD(Sample, 12, AT_FIELD(number, 0, ""), AT_FIELD(text, 4, ""));
+
+constexpr Row Good() {
+    return {.position = 1,
+            .id = 1,
+            .name = "+GOOD",
+            .encode = {.kind = EncodeKind::record, .record = &kSample, .forms = {{"%d,\"%s\""}}},
+            .decode = {.kind = DecodeKind::answers, .answers = {{.types = kRead, .record = &kSample, .format = "%d %7s"}}}};
+}
+
+template <typename Change>
+constexpr unsigned FaultsAfter(Change change) {
+    Row row = Good();
+    change(row);
+    return RowFaults(row, 186);
+}
+
+}  // namespace
+
+TEST(RowCheck, AGoodRowPasses) { EXPECT_EQ(RowFaults(Good(), 186), 0U); }
+
+TEST(RowCheck, RefusesEachFault) {
+    EXPECT_EQ(FaultsAfter([](Row& row) { row.position = 0; }), kFaultPosition);
+    EXPECT_EQ(FaultsAfter([](Row& row) { row.position = 187; }), kFaultPosition);
+    EXPECT_EQ(FaultsAfter([](Row& row) {
+                  row.name = "+NAME56789012345678901234567890123456789012345678901234567890123";
+              }), 0U);
+    EXPECT_EQ(FaultsAfter([](Row& row) {
+                  row.name = "+NAME567890123456789012345678901234567890123456789012345678901234";
+              }), kFaultName);
+    EXPECT_EQ(FaultsAfter([](Row& row) { row.encode.forms[0].format = "%s,%d"; }), kFaultPrintFormat);
+    EXPECT_EQ(FaultsAfter([](Row& row) { row.encode.forms[0].format = "%d,%u"; }), kFaultPrintFormat);
+    EXPECT_EQ(FaultsAfter([](Row& row) { row.encode.kind = EncodeKind::custom; }), kFaultKind);
+    EXPECT_EQ(FaultsAfter([](Row& row) { row.encode.kind = EncodeKind::copy; }), kFaultKind);
+    EXPECT_EQ(FaultsAfter([](Row& row) { row.decode.answers[0].format = "%d %8s"; }), kFaultScanFormat);
+    EXPECT_EQ(FaultsAfter([](Row& row) { row.decode.answers[0].format = "%d %s"; }), kFaultScanFormat);
+    EXPECT_EQ(FaultsAfter([](Row& row) { row.decode.answers[0].format = "%7s %d"; }), kFaultScanFormat);
+    EXPECT_EQ(FaultsAfter([](Row& row) { row.decode.answers[0].types = 0; }), kFaultTypes);
+    EXPECT_EQ(FaultsAfter([](Row& row) { row.decode.answers[1] = row.decode.answers[0]; }), kFaultTypes);
+    EXPECT_EQ(FaultsAfter([](Row& row) { row.decode.answers[0].log.format = "%s"; }), kFaultLogFormat);
+}
+
+TEST(RowCheck, RefusesRecordsThatCannotBe) {
+    Record overlapping = kSample;
+    overlapping.fields[1].offset = 3;
+    Record behind = kSample;
+    behind.fields[1].size = 9;
+    Record huge = kSample;
+    huge.size = 635;
+    Record long_text = kSample;
+    long_text.size = 632;
+    long_text.fields[1].size = 512;
+    for (Record* record : {&overlapping, &behind}) {
+        EXPECT_EQ(FaultsAfter([&](Row& row) { row.encode.record = record; }), kFaultOverlap);
+        EXPECT_EQ(FaultsAfter([&](Row& row) { row.decode.answers[0].record = record; }), kFaultOverlap);
+    }
+    EXPECT_EQ(FaultsAfter([&](Row& row) { row.encode.record = &huge; }), kFaultRequestSize);
+    EXPECT_EQ(FaultsAfter([&](Row& row) { row.decode.answers[0].record = &huge; }), kFaultAnswerSize);
+    EXPECT_EQ(FaultsAfter([&](Row& row) { row.encode.record = &long_text; }), kFaultTooLong);
+    EXPECT_EQ(FaultsAfter([&](Row& row) {
+                  row.encode.record = &long_text;
+                  row.encode.may_be_cut = true;
+              }), 0U);
+}
