@@ -3,6 +3,7 @@
 
 #include <stddef.h>
 #include <stdint.h>
+#include <stdlib.h>
 
 #include <array>
 
@@ -42,7 +43,9 @@ struct Record {
 // Reached only when a row is wrong: not constant, so that the compiler stops and shows the call.
 void ThisOffsetIsNotWhereTheStructHasTheField();
 void ThisSizeIsNotTheSizeOfTheStruct();
-void TheRecordHasNoFieldOfThisName();
+inline void TheRecordHasNoFieldOfThisName() {
+    abort();
+}
 
 consteval Field MakeField(const char* name, FieldType type, size_t typed, size_t real, size_t size,
                           const char* meaning) {
@@ -140,7 +143,7 @@ enum class EncodeKind : uint8_t {
     custom,   // written by hand; `record` and `forms` tell what it does
 };
 
-struct Encode {
+struct EncodeSide {
     EncodeKind kind = EncodeKind::pending;
     const Record* record = nullptr;
     Form forms[kMaxForms] = {};
@@ -194,7 +197,7 @@ enum class DecodeKind : uint8_t {
     custom,   // written by hand; `answers` tell what it does
 };
 
-struct Decode {
+struct DecodeSide {
     DecodeKind kind = DecodeKind::pending;
     Answer answers[3] = {};
     Decoder function = nullptr;
@@ -208,15 +211,15 @@ struct Row {
     uint16_t id = 0;
     const char* name = nullptr;
     const char* title = "";  // a few words for people
-    Encode encode = {};
-    Decode decode = {};
+    EncodeSide encode = {};
+    DecodeSide decode = {};
 };
 
 // The commonest sides of a row.
-inline constexpr Encode kNoParameters = {.kind = EncodeKind::none};
-inline constexpr Encode kReportOnly = {.kind = EncodeKind::absent};
-inline constexpr Decode kResultOnly = {.kind = DecodeKind::none};
-inline constexpr Decode kWholeText = {.kind = DecodeKind::text};
+inline constexpr EncodeSide kNoParameters = {.kind = EncodeKind::none};
+inline constexpr EncodeSide kReportOnly = {.kind = EncodeKind::absent};
+inline constexpr DecodeSide kResultOnly = {.kind = DecodeKind::none};
+inline constexpr DecodeSide kWholeText = {.kind = DecodeKind::text};
 
 // The size of a format's argument list, and the fields it names.
 constexpr size_t ArgCount(const char* format, const Args& args) {

@@ -50,7 +50,7 @@ constexpr int LongestText(const Record& record, const char* format, const Args& 
     return LongestPrint(format, {refs.data(), count});
 }
 
-constexpr unsigned EncodeFaults(const Encode& encode) {
+constexpr unsigned EncodeFaults(const EncodeSide& encode) {
     unsigned faults = 0;
     const bool takes_record = encode.kind == EncodeKind::record || encode.kind == EncodeKind::copy;
     if (takes_record && encode.record == nullptr) return kFaultKind;
@@ -97,7 +97,7 @@ constexpr unsigned AnswerFaults(const Answer& answer) {
     return faults;
 }
 
-constexpr unsigned DecodeFaults(const Decode& decode) {
+constexpr unsigned DecodeFaults(const DecodeSide& decode) {
     unsigned faults = 0;
     Types served = 0;
     for (const Answer& answer : decode.answers) {

@@ -50,10 +50,10 @@ constexpr FieldType FieldTypeOf() {
 // Reads `text` by `format` into the fields of `record`, one field for each conversion, in order. Formats are
 // read as sscanf reads them: white space matches any run of white space, also none; any other character
 // matches itself; reading stops at the first mismatch and at the end of the text. Conversions: %d, %x, %llx,
-// %f, %c, %s, %[...], each but %f with an optional width, and %%. Integers saturate. A text is cut to its
-// array (a text keeps its NUL) while the format's width says how much of the input it takes. Fields that are
-// not reached are left alone: zero the record first. Returns the number of fields written (0 for null
-// arguments and for an empty text).
+// %f, %c, %s, %[...] (listed characters, no ranges), each but %f with an optional width, and %%. Integers
+// saturate. A text is cut to its array (a text keeps its NUL) while the format's width says how much of the
+// input it takes. Fields that are not reached are left alone: zero the record first. Returns the number of
+// fields written (0 for null arguments and for an empty text).
 int ScanRecord(const char* text, const char* format, std::span<const FieldRef> fields, void* record);
 
 // Prints fields of `record` into `out` by `format`, one field for each conversion: %d, %x, %llx, %s, %c and

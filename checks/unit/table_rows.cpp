@@ -40,7 +40,9 @@ TEST(FindById, EveryIdIsFoundAndItsNeighboursAreNot) {
     }
 }
 
-TEST(FindById, NoPlaceForTheIndex) { EXPECT_EQ(Bk_Find_Cmd_By_Id(0x0604, nullptr), 1); }
+TEST(FindById, NoPlaceForTheIndex) {
+    EXPECT_EQ(Bk_Find_Cmd_By_Id(0x0604, nullptr), 1);
+}
 
 TEST(FindById, GroupByteWithoutARow) {
     int index = -1;
@@ -78,15 +80,18 @@ TEST(Rows, EveryRowHasACodec) {
 TEST(Rows, EveryRowHasAVector) {
     for (const Row& row : kCatalog) {
         int forms = row.encode.kind == EncodeKind::dial;
-        for (const Form& form : row.encode.forms) forms += form.format != nullptr;
+        for (const Form& form : row.encode.forms)
+            forms += form.format != nullptr;
         EXPECT_GE(EncodeVectors()[row.id], forms) << "encoder of " << row.name;
         int answers = row.decode.kind == DecodeKind::text;
-        for (const Answer& answer : row.decode.answers) answers += answer.types != 0;
+        for (const Answer& answer : row.decode.answers)
+            answers += answer.types != 0;
         EXPECT_GE(DecodeVectors()[row.id], answers) << "decoder of " << row.name;
     }
 }
 
-// ---- What the compiler refuses, asked of rows that are wrong on purpose ------------------------------------------------
+// ---- What the compiler refuses, asked of rows that are wrong on purpose
+// ------------------------------------------------
 
 namespace {
 
@@ -96,34 +101,32 @@ struct Sample {
 };
 constexpr Record kSample = AT_RECORD(Sample, 12, AT_FIELD(number, 0, ""), AT_FIELD(text, 4, ""));
 
-constexpr Row Good() {
-    return {.position = 1,
-            .id = 1,
-            .name = "+GOOD",
-            .encode = {.kind = EncodeKind::record, .record = &kSample, .forms = {{"%d,\"%s\""}}},
-            .decode = {.kind = DecodeKind::answers, .answers = {{.types = kRead, .record = &kSample, .format = "%d %7s"}}}};
-}
+constexpr Row kGood = {.position = 1,
+                       .id = 1,
+                       .name = "+GOOD",
+                       .encode = {.kind = EncodeKind::record, .record = &kSample, .forms = {{"%d,\"%s\""}}},
+                       .decode = {.kind = DecodeKind::answers,
+                                  .answers = {{.types = kRead, .record = &kSample, .format = "%d %7s"}}}};
 
 template <typename Change>
 constexpr unsigned FaultsAfter(Change change) {
-    Row row = Good();
+    Row row = kGood;
     change(row);
     return RowFaults(row, 186);
 }
 
 }  // namespace
 
-TEST(RowCheck, AGoodRowPasses) { EXPECT_EQ(RowFaults(Good(), 186), 0U); }
+TEST(RowCheck, AGoodRowPasses) {
+    EXPECT_EQ(RowFaults(kGood, 186), 0U);
+}
 
 TEST(RowCheck, RefusesEachFault) {
     EXPECT_EQ(FaultsAfter([](Row& row) { row.position = 0; }), kFaultPosition);
     EXPECT_EQ(FaultsAfter([](Row& row) { row.position = 187; }), kFaultPosition);
-    EXPECT_EQ(FaultsAfter([](Row& row) {
-                  row.name = "+NAME56789012345678901234567890123456789012345678901234567890123";
-              }), 0U);
-    EXPECT_EQ(FaultsAfter([](Row& row) {
-                  row.name = "+NAME567890123456789012345678901234567890123456789012345678901234";
-              }), kFaultName);
+    const std::string name(64, 'N');
+    EXPECT_EQ(FaultsAfter([&](Row& row) { row.name = name.c_str() + 1; }), 0U);
+    EXPECT_EQ(FaultsAfter([&](Row& row) { row.name = name.c_str(); }), kFaultName);
     EXPECT_EQ(FaultsAfter([](Row& row) { row.encode.forms[0].format = "%s,%d"; }), kFaultPrintFormat);
     EXPECT_EQ(FaultsAfter([](Row& row) { row.encode.forms[0].format = "%d,%u"; }), kFaultPrintFormat);
     EXPECT_EQ(FaultsAfter([](Row& row) { row.encode.kind = EncodeKind::custom; }), kFaultKind);
@@ -156,5 +159,6 @@ TEST(RowCheck, RefusesRecordsThatCannotBe) {
     EXPECT_EQ(FaultsAfter([&](Row& row) {
                   row.encode.record = &long_text;
                   row.encode.may_be_cut = true;
-              }), 0U);
+              }),
+              0U);
 }

@@ -2,8 +2,8 @@
 
 #include "codec/at_table.h"
 
-// The table in search order, written down a second time: other programs and the modem know ids and names, so a row must
-// not move or change unnoticed.
+// The table in search order, written down a second time: other programs and the modem know ids and names, so
+// a row must not move or change unnoticed.
 
 namespace {
 

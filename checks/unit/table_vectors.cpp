@@ -1,7 +1,7 @@
+#include <fcntl.h>
 #include <stdlib.h>
 #include <string.h>
 #include <unistd.h>
-#include <fcntl.h>
 
 #include <memory>
 
@@ -48,7 +48,8 @@ struct GuardedResponse {
 
 template <typename Guarded>
 void ExpectCanary(const Guarded& guarded) {
-    for (unsigned char byte : guarded.canary) ASSERT_EQ(byte, kCanary) << "written behind the record";
+    for (unsigned char byte : guarded.canary)
+        ASSERT_EQ(byte, kCanary) << "written behind the record";
 }
 
 }  // namespace
@@ -96,7 +97,8 @@ Decoded Decode(uint16_t id, uint8_t type, const std::string& text, uint8_t resul
     EXPECT_EQ(response.usCmdID, id);
     EXPECT_EQ(response.ucCmdType, type);
     EXPECT_EQ(response.ucResult, result);
-    return {response.usParaLen, std::string(reinterpret_cast<char*>(response.aucParas), sizeof response.aucParas)};
+    return {response.usParaLen,
+            std::string(reinterpret_cast<char*>(response.aucParas), sizeof response.aucParas)};
 }
 
 bool Decoded::Untouched() const {
@@ -118,7 +120,8 @@ std::string ListFiles::Content(const std::string& path) {
 }
 
 void ListFiles::Reset() {
-    for (auto& [path, file] : open) close(file);
+    for (auto& [path, file] : open)
+        close(file);
     *this = ListFiles();
 }
 

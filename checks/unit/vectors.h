@@ -9,8 +9,8 @@
 
 #include "codec/at_table.h"
 
-// Vectors of encoders and decoders. What is expected is written down by hand, byte by byte, and not taken from the rows
-// or the structs.
+// Vectors of encoders and decoders. What is expected is written down by hand, byte by byte, and not taken
+// from the rows or the structs.
 
 // A record under construction.
 struct Bytes {
@@ -22,8 +22,8 @@ struct Bytes {
     Bytes& Zeros(size_t size);
 };
 
-// The parameter text that the encoder of `id` makes of a request ("(not sendable)" for a report). usParaLen is the record's
-// size unless `length` says otherwise.
+// The parameter text that the encoder of `id` makes of a request ("(not sendable)" for a report). usParaLen
+// is the record's size unless `length` says otherwise.
 std::string Encoded(uint16_t id, uint8_t type, const std::string& record = "", int length = -1);
 
 // What a decoder left.
@@ -41,9 +41,9 @@ Decoded Decode(uint16_t id, uint8_t type, const std::string& text, uint8_t resul
 
 // List files in the place of those of the router.
 struct ListFiles {
-    std::map<std::string, int> open;  // path, descriptor of what was written
-    std::string refused;              // opening this one fails
-    std::string full;                 // writing this one fails
+    std::map<std::string, int> open;               // path, descriptor of what was written
+    std::string refused;                           // opening this one fails
+    std::string full;                              // writing this one fails
     std::string Content(const std::string& path);  // "(none)" when it was not opened
     void Reset();
 };
@@ -57,13 +57,14 @@ inline constexpr char kOtherCard[] = "";
 // A test that is a vector of the encoder or the decoder of `id`: EveryRowHasAVector counts them.
 std::map<uint16_t, int>& EncodeVectors();
 std::map<uint16_t, int>& DecodeVectors();
-#define ENCODE_VECTOR(id, suite, name)                                                 \
-    [[maybe_unused]] static const int suite##name##Count = ++EncodeVectors()[id];      \
+#define ENCODE_VECTOR(id, suite, name)                                            \
+    [[maybe_unused]] static const int suite##name##Count = ++EncodeVectors()[id]; \
     TEST(suite, name)
-#define DECODE_VECTOR(id, suite, name)                                                 \
-    [[maybe_unused]] static const int suite##name##Count = ++DecodeVectors()[id];      \
+#define DECODE_VECTOR(id, suite, name)                                            \
+    [[maybe_unused]] static const int suite##name##Count = ++DecodeVectors()[id]; \
     TEST(suite, name)
 
-inline constexpr uint8_t EXEC = AT_CMD_TYPE_EXEC, SET = AT_CMD_TYPE_SET, READ = AT_CMD_TYPE_READ, TEST_ = AT_CMD_TYPE_TEST;
+inline constexpr uint8_t EXEC = AT_CMD_TYPE_EXEC, SET = AT_CMD_TYPE_SET, READ = AT_CMD_TYPE_READ,
+                         TEST_ = AT_CMD_TYPE_TEST;
 
 #endif
