@@ -41,7 +41,6 @@ inline int Parse_Zgink_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine) {
 
 int Parse_COPS_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine);
 int Parse_CREG_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine);
-int Parse_CGREG_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine);
 int Parse_Cmgl_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine);
 int Parse_CLCC_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine);
 // The answer of a USSD command and the +CUSD report: the record goes into /etc/cusd.

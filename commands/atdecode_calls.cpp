@@ -29,3 +29,37 @@ int Parse_CLCC_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine) {
         AT_LOG(LOG_ERR, "Parse_CLCC_Rsp open file failed.");
     return 0;
 }
+
+// By hand: the text of the network may hold anything, quotes and commas included, so only its outermost marks
+// count; the record goes into a file.
+int Parse_CUSD_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine) {
+    if (pRes == nullptr || pResLine == nullptr || pRes->ucCmdType != AT_CMD_TYPE_SET) return 0;
+    AT_LOG(LOG_INFO, "===>>Parse_CUSD_Res<<===");
+    const char* text = pResLine->strResParas;
+    if (strcmp(text, "OK") == 0) {
+        AT_LOG(LOG_INFO, "Parse_CUSD_Res::pRes->aucParas=%.*s", static_cast<int>(sizeof pRes->aucParas),
+               reinterpret_cast<const char*>(pRes->aucParas));
+        return 0;
+    }
+
+    AT_CUSD_SET_RES_PARA_T tPara;
+    memset(&tPara, 0, sizeof tPara);
+    constexpr FieldRef mode[] = {AT_FIELD_REF(AT_CUSD_SET_RES_PARA_T, mode)};
+    constexpr FieldRef type[] = {AT_FIELD_REF(AT_CUSD_SET_RES_PARA_T, type)};
+    ScanRecord(text, "%d", mode, &tPara);
+    if (strchr(text, ',') != nullptr) {
+        const char* open = strchr(text, '"');
+        const char* close = strrchr(text, '"');
+        if (open == nullptr || close == open) return 0;
+        size_t length = static_cast<size_t>(close - open - 1);
+        if (length > sizeof tPara.str - 1) length = sizeof tPara.str - 1;
+        memcpy(tPara.str, open + 1, length);
+        ScanRecord(strrchr(text, ',') + 1, "%2d", type, &tPara);
+    }
+    AT_LOG(LOG_INFO, "Parse_CUSD_Res::tPara.mode=%d, tPara.str=%s,  tPara.type=%d", tPara.mode, tPara.str,
+           tPara.type);
+    pRes->usParaLen = sizeof tPara;
+    if (WriteListFile(kUssdFile, &tPara, sizeof tPara) < 0)
+        AT_LOG(LOG_CRIT, "Parse_CUSD_Res open file failed.");
+    return 0;
+}

@@ -40,6 +40,22 @@ typedef struct {
 typedef AT_CLCC_READ_RES_PARA_T AT_CLCC_EXEC_RES_PARA_T;
 AT_ASSERT_LAYOUT(sizeof(AT_CLCC_READ_RES_PARA_T) == 1284);
 
+/* AT+CUSD=<n>,<str>,<dcs>, or AT+CUSD=2 to end the dialogue */
+typedef struct {
+    int32_t n;
+    char str[36]; /* printed as it stands: quotation marks are the requester's */
+    int32_t dcs;  /* data coding scheme */
+} AT_CUSD_SET_PARA_T;
+AT_ASSERT_LAYOUT(sizeof(AT_CUSD_SET_PARA_T) == 44);
+
+/* +CUSD: <mode>[,"<str>",<type>]. Larger than a message: it is the content of /etc/cusd. */
+typedef struct {
+    int32_t mode;  /* 0 the dialogue is over, 1 the network waits for an answer, 2 the network ended it */
+    char str[816]; /* at most 815 characters */
+    int32_t type;  /* data coding scheme */
+} AT_CUSD_SET_RES_PARA_T;
+AT_ASSERT_LAYOUT(sizeof(AT_CUSD_SET_RES_PARA_T) == 824);
+
 #ifdef __cplusplus
 }
 #endif

@@ -24,6 +24,14 @@ inline constexpr Record kClccReadRes =
     MakeList(AT_RECORD(AT_CLCC_READ_RES_PARA_T, 1284, AT_FIELD(count, 0, "calls")), kClccCall, 4, 20);
 inline constexpr char kClccFormat[] = "%d %d %d %d %d %31s %d %d %d";
 
+inline constexpr Record kCusdSetPara = AT_RECORD(
+    AT_CUSD_SET_PARA_T, 44, AT_FIELD(n, 0, "2 ends the dialogue"),
+    AT_FIELD(str, 4, "USSD string, with its quotation marks"), AT_FIELD(dcs, 40, "data coding scheme"));
+inline constexpr Record kCusdSetRes =
+    AT_RECORD(AT_CUSD_SET_RES_PARA_T, 824,
+              AT_FIELD(mode, 0, "0 over, 1 the network waits for an answer, 2 ended by the network"),
+              AT_FIELD(str, 4, "text of the network"), AT_FIELD(type, 820, "data coding scheme"));
+
 inline constexpr Row kCallsRows[] = {
     {.position = 1,
      .id = 0x0401,
@@ -63,7 +71,16 @@ inline constexpr Row kCallsRows[] = {
     {.position = 84, .id = 0x0542, .name = "^CEND", .encode = kReportOnly, .decode = kResultOnly},
     {.position = 85, .id = 0x040F, .name = "+CDV", .decode = kResultOnly},
     {.position = 86, .id = 0x0410, .name = "+CHV", .encode = kNoParameters, .decode = kResultOnly},
-    {.position = 91, .id = 0x0532, .name = "+CUSD"},
+    {.position = 91,
+     .id = 0x0532,
+     .name = "+CUSD",
+     .title = "USSD dialogue",
+     .encode = {.kind = EncodeKind::record,
+                .record = &kCusdSetPara,
+                .forms = {{.format = "%d", .when = {{"n", Test::equals, 2}}}, {"%d,%s,%d"}}},
+     .decode = {.kind = DecodeKind::custom,
+                .answers = {{.types = kSet, .record = &kCusdSetRes, .file = kUssdFile}},
+                .function = Parse_CUSD_Res}},
     {.position = 92, .id = 0x053C, .name = "+CLIR", .decode = kResultOnly},
     {.position = 98, .id = 0x0551, .name = "+ZCHUPD", .encode = kNoParameters, .decode = kResultOnly},
     {.position = 161,
