@@ -19,8 +19,8 @@ struct CatalogOf {
         for (const Row& row : list) {
             Row& copy = rows[static_cast<size_t>(row.position - 1)];
             copy = row;
-            copy.encode.function = nullptr;
-            copy.decode.function = nullptr;
+            copy.encode.function = {};
+            copy.decode.function = {};
         }
     }
 };

@@ -17,6 +17,21 @@
 // ---- Records
 // -------------------------------------------------------------------------------------------------------
 
+// A pointer that may be left out. Asked by its flag: whether the address of a variable is null is no constant
+// expression for every compiler and every sanitizer.
+template <typename Pointer>
+struct Optional {
+    Pointer pointer = nullptr;
+    bool given = false;
+
+    constexpr Optional() = default;
+    constexpr Optional(Pointer p) : pointer(p), given(true) {}
+    constexpr operator Pointer() const { return pointer; }
+    constexpr auto& operator*() const { return *pointer; }
+    constexpr Pointer operator->() const { return pointer; }
+    friend constexpr bool operator==(const Optional& optional, decltype(nullptr)) { return !optional.given; }
+};
+
 struct Field {
     const char* name = nullptr;
     FieldType type = FieldType::i32;
@@ -35,7 +50,7 @@ struct Record {
     size_t count = 0;
     Field fields[kMaxFields] = {};
     // A list: behind its fields stand `entry_count` records of this kind, from `entry_offset` on.
-    const Record* entry = nullptr;
+    Optional<const Record*> entry = {};
     uint32_t entry_offset = 0;
     uint32_t entry_count = 0;
 };
@@ -128,7 +143,7 @@ struct When {
 };
 
 struct Form {
-    const char* format = nullptr;
+    Optional<const char*> format = {};
     Args args = {};
     When when[kMaxConditions] = {};  // all of them
 };
@@ -145,11 +160,11 @@ enum class EncodeKind : uint8_t {
 
 struct EncodeSide {
     EncodeKind kind = EncodeKind::pending;
-    const Record* record = nullptr;
+    Optional<const Record*> record = {};
     Form forms[kMaxForms] = {};
-    const char* log = nullptr;  // behind a printed line; "%s" is the parameter text
-    bool may_be_cut = false;    // the longest record makes more than 511 characters, and the rest is dropped
-    Encoder function = nullptr;
+    Optional<const char*> log = {};  // behind a printed line; "%s" is the parameter text
+    bool may_be_cut = false;  // the longest record makes more than 511 characters, and the rest is dropped
+    Optional<Encoder> function = {};
 };
 
 // ---- Answers and reports
@@ -170,23 +185,23 @@ enum class From : uint8_t {
 };
 
 struct Log {
-    const char* format = nullptr;
+    Optional<const char*> format = {};
     Args args = {};  // fields of the decoded record
 };
 
 // What one set of types is answered with. Without a record: length 0. With a record but no format: zeros.
 struct Answer {
     Types types = 0;
-    const Record* record = nullptr;
+    Optional<const Record*> record = {};
     From from = From::raw;
-    const char* format = nullptr;
+    Optional<const char*> format = {};
     Args args = {};
-    bool result_test = false;        // "OK": length 2; "retry operation", "network rejected request": nothing
-    uint16_t length = 0;             // usParaLen where it is not the record's size
-    uint16_t carried = 0;            // bytes that travel where the record is larger than a message
-    const char* log_text = nullptr;  // before scanning; "%s" is the text that is scanned
-    Log log = {};                    // behind decoding
-    const char* file = nullptr;      // the record travels in this file, not in the message
+    bool result_test = false;  // "OK": length 2; "retry operation", "network rejected request": nothing
+    uint16_t length = 0;       // usParaLen where it is not the record's size
+    uint16_t carried = 0;      // bytes that travel where the record is larger than a message
+    Optional<const char*> log_text = {};  // before scanning; "%s" is the text that is scanned
+    Log log = {};                         // behind decoding
+    Optional<const char*> file = {};      // the record travels in this file, not in the message
 };
 
 enum class DecodeKind : uint8_t {
@@ -200,7 +215,7 @@ enum class DecodeKind : uint8_t {
 struct DecodeSide {
     DecodeKind kind = DecodeKind::pending;
     Answer answers[3] = {};
-    Decoder function = nullptr;
+    Optional<Decoder> function = {};
 };
 
 // ---- Rows
@@ -222,7 +237,7 @@ inline constexpr DecodeSide kResultOnly = {.kind = DecodeKind::none};
 inline constexpr DecodeSide kWholeText = {.kind = DecodeKind::text};
 
 // The size of a format's argument list, and the fields it names.
-constexpr size_t ArgCount(const char* format, const Args& args) {
+constexpr size_t ArgCount(const Optional<const char*>& format, const Args& args) {
     if (format == nullptr) return 0;
     if (args.names[0] == nullptr) return static_cast<size_t>(CountConversions(format));
     size_t count = 0;
