@@ -1,0 +1,263 @@
+#include <string.h>
+
+#include "codec/atcode.h"
+#include "platform/config.h"
+#include "platform/log.h"
+#include "port/com.h"
+#include "records/handover.h"
+#include "records/queue.h"
+#include "records/state.h"
+#include "reports/broadcast.h"
+#include "reports/response.h"
+#include "reports/sorting.h"
+#include "test/attest.h"
+#include "text/atpublic.h"
+
+static constexpr char kLogSource[] = "response";
+
+namespace {
+
+constexpr int kErrorAnswerNotSent = 42506;
+constexpr unsigned kReadSize = 102'400;
+
+// What the test responder made of a read. Not touched while test mode is off.
+char g_responder_text[kTestOutputSize];
+
+// The answer or report under way.
+MSG_BUF g_message;
+
+// Where the last report line was taken out of gStrResAtBuffer.
+Continuation g_continuation;
+
+// Characters at the start of gStrResAtBuffer that are nothing but the line break left in front of a report
+// that was taken out; 0 otherwise.
+size_t g_left_break;
+
+_BK_AT_RES_T& MessageResponse() {
+    return *reinterpret_cast<_BK_AT_RES_T*>(g_message.aucDataBuf);
+}
+
+// Reports whose routing reads the line itself, where the decoder has already put a record.
+bool RoutesByText(uint16_t command) {
+    switch (command) {
+        case 0x0627:  // +ZGIPDNS
+        case 0x0629:  // +ZICCID
+        case 0x052D:  // +CREG
+        case 0x0553:  // +CGREG
+        case 0x0552:  // +CEREG
+        case 0x0630:  // +ZUPCI
+        case 0x0632:  // +ZUEND
+        case 0x0541:  // ^CONN
+        case 0x0542:  // ^CEND
+        case 0x055E:  // +ZCPI
+        case 0x0550:  // ^HRSSILVL
+        case 0x0521:  // +ZCLAS
+        case 0x063E:  // +ZNITZ
+        case 0x0118:  // +ZVMAIL
+            return true;
+        default:
+            return false;
+    }
+}
+
+// Puts the report line of `text` into the message, where its routing looks for it: the line named like the
+// row of `command`, or else the first.
+void CarryReportLine(const char* text, uint16_t command) {
+    int row = 0;
+    const bool known = Bk_Find_Cmd_By_Id(command, &row) == 0;
+    const char* name = known ? g_astAtCmdTable[row].acCmdName : "";
+    const size_t name_length = strlen(name);
+
+    ModemLine first{};
+    ModemLine chosen{};
+    for (ModemLine line = ReadLine(text); !(line.Empty() && !line.complete); line = ReadLine(line.end)) {
+        if (line.Empty()) continue;
+        if (first.begin == nullptr) first = line;
+        if (strncmp(line.begin, name, name_length) == 0 && line.begin[name_length] == ':') {
+            chosen = line;
+            break;
+        }
+    }
+    if (first.begin == nullptr) return;
+    if (chosen.begin == nullptr) chosen = first;
+
+    const bool by_text = RoutesByText(command);
+    if (!by_text) {
+        static constexpr char kNoCarrier[] = "VOICE NO CARRIER: ";
+        const char* found = Find_Sub_Str(first.begin, kNoCarrier);
+        if (found == nullptr || found >= first.text_end) return;
+        chosen = first;
+    }
+    _BK_AT_RES_T& res = MessageResponse();
+    const size_t length = chosen.Length() < sizeof res.aucParas ? chosen.Length() : sizeof res.aucParas - 1;
+    memcpy(res.aucParas, chosen.begin, length);
+    memset(res.aucParas + length, 0, sizeof res.aucParas - length);
+    res.usParaLen = static_cast<uint16_t>(length);
+}
+
+// The request record that the parser is given. A further line of a +CCFC or +CCWA answer comes when nothing
+// is pending any more; it is decoded as what it is, a line of a set answer.
+const _BK_AT_CMD_T* PendingForParser(const char* text) {
+    static constexpr _BK_AT_CMD_T kFurtherLine = {
+        .usCmdID = 0, .ucCmdType = AT_CMD_TYPE_SET, .aucReserved = {}, .usParaLen = 0, .aucParas = {}};
+    if (PendingRequest()->usCmdID != 0) return PendingRequest();
+    while (text[0] == '\r' && text[1] == '\n')
+        text += 2;
+    const bool further = strncmp(text, "+CCFC:", 6) == 0 || strncmp(text, "+CCWA:", 6) == 0;
+    return further ? &kFurtherLine : PendingRequest();
+}
+
+void LogResponse(int is_last) {
+    const _BK_AT_RES_T& res = MessageResponse();
+    const int size = static_cast<int>(sizeof res.aucParas);
+    const char* paras = reinterpret_cast<const char*>(res.aucParas);
+    AT_LOG(LOG_DEBUG, "+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+");
+    AT_LOG(LOG_DEBUG, "\t#nIsLast:%d\n", is_last);
+    AT_LOG(LOG_DEBUG, "\t#AtResResult:%d\n", res.ucResult);
+    AT_LOG(LOG_DEBUG, "\t#AtResParaLen:%d\n", res.usParaLen);
+    AT_LOG(LOG_DEBUG, "\t#AtResParas:%.*s\n", size, paras);
+    AT_LOG(LOG_DEBUG, "+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+");
+    AT_LOG(LOG_DEBUG, "AT Result =%.*s", size, paras[0] != '\0' ? paras : "OK");
+}
+
+void DeliverAnswer() {
+    if (send_msg_buf(&g_message) != 0)
+        AT_LOG(LOG_ERR, "ERROR: send_msg_buf send msg failed, error code %d!", kErrorAnswerNotSent);
+    else
+        AT_LOG(LOG_NOTICE, "send AT Response to module 0x%0x OK!", g_message.usTargetModuleID);
+    ClearPendingRequest();
+    g_last_atcmd = MessageResponse().usCmdID;
+    g_at_statistics.received.fetch_add(1, std::memory_order_relaxed);
+}
+
+// Parses one response (NUL-terminated) and delivers or routes it.
+void HandleResponse(const char* text, Cut cut, bool in_answer) {
+    if (in_answer && strncmp(text, "BUSY", 4) == 0) {
+        AT_LOG(LOG_NOTICE, "BUSY inside an answer is not the answer, dropped");
+        return;
+    }
+    memset(&g_message, 0, sizeof g_message);
+    int is_last = 0;
+    const int parsed = Bk_Parse_At_Res_Message(&g_message, &is_last, text, PendingForParser(text));
+    // What was sorted out is known to be no answer, whatever words it holds.
+    if (parsed == -1 || cut != Cut::framed) is_last = 0;
+
+    _BK_AT_RES_T& res = MessageResponse();
+    g_message.ulMagic = AT_MESSAGE_MAGIC;
+    g_message.lMsgType = g_at_msg.lMsgType != -1 ? g_at_msg.lMsgType : 1;
+    g_message.usMsgCmd = AT_MESSAGE_COMMAND;
+    g_message.usDataLen = static_cast<uint16_t>(res.usParaLen + 6);
+    LogResponse(is_last);
+    if (is_last != 0) {
+        DeliverAnswer();
+        return;
+    }
+    AT_LOG(LOG_DEBUG, "It's  a auto reporting  message!");
+    CarryReportLine(text, res.usCmdID);
+    RouteReport(&g_message, {.may_prompt = cut == Cut::framed, .may_clear = !in_answer});
+    g_at_statistics.report.fetch_add(1, std::memory_order_relaxed);
+}
+
+// Handles the responses in the buffered text one after the other; returns where the unfinished rest begins.
+char* HandleResponses(char* text) {
+    for (;;) {
+        const Response response = NextResponse(text, PendingCommand::Current(), g_continuation);
+        if (response.cut == Cut::nothing) return text;
+        g_continuation = response.continuation;
+        char* const begin = text + (response.begin - text);
+        char* const end = text + (response.end - text);
+
+        if (response.cut != Cut::leftover) {
+            // Both look past the response: a broadcast is reported with each response framed up to it.
+            if (Find_Sub_Str(text, "+CBM:") != nullptr) cbm_resolve(text);
+            if (Find_Sub_Str(text, "+CDS: ") != nullptr) cds_resolve(text);
+            const char kept = *end;
+            *end = '\0';
+            HandleResponse(begin, response.cut, response.in_answer);
+            *end = kept;
+        }
+        if (response.cut == Cut::framed) {
+            text = end;
+            continue;
+        }
+        // The line goes, what stood before it moves up. Of nothing but line breaks one is enough.
+        auto before = static_cast<size_t>(begin - text);
+        if (before > 2 && strspn(text, "\r\n") >= before) before = 2;
+        memmove(end - before, begin - before, before);
+        text = end - before;
+    }
+}
+
+// The unfinished rest becomes the buffer's content.
+void CarryOver(char* rest) {
+    size_t length = strlen(rest);
+    // A rest that begins in the middle of a line gets the line break that pre-processing looks for; an echo
+    // is to be dropped by it.
+    const bool bare = length != 0 && rest[0] != '\r' && strncmp(rest, "AT", 2) != 0;
+    const size_t shift = bare && length + 2 <= kMaxBuffered ? 2 : 0;
+    char* const moved = gStrResAtBuffer + shift;
+    if (g_continuation.at != nullptr) g_continuation.at = moved + (g_continuation.at - rest);
+    memmove(moved, rest, length + 1);
+    if (shift != 0) memcpy(gStrResAtBuffer, "\r\n", 2);
+    length += shift;
+    g_left_break = length == 2 && strcmp(gStrResAtBuffer, "\r\n") == 0 ? length : 0;
+
+    if (length >= kMaxBuffered) {
+        AT_LOG(LOG_ERR, "receive buffer is full, %d characters without a complete response dropped",
+               static_cast<int>(length));
+        gStrResAtBuffer[0] = '\0';
+        g_continuation = {};
+    }
+}
+
+// When only a line break was left in the buffer and the next line is sent, its echo arrives behind that break
+// instead of at the start, where it would be dropped.
+void DropEcho() {
+    if (g_left_break == 0 || strncmp(gStrResAtBuffer + g_left_break, "AT", 2) != 0) return;
+    const char* line_break = Find_Sub_Str(gStrResAtBuffer + g_left_break, "\r\n");
+    const char* rest = line_break != nullptr ? line_break : gStrResAtBuffer + g_left_break;
+    memmove(gStrResAtBuffer, rest, strlen(rest) + 1);
+    g_left_break = 0;
+    g_continuation = {};
+}
+
+}  // namespace
+
+void ProcessReceived(char* received) {
+    AT_LOG(LOG_DEBUG, "acComReceive=%s", received);
+    char* text = AtResponseText(received, g_responder_text) == received ? received : g_responder_text;
+    AT_LOG(LOG_DEBUG, "pAtRes=%s", text);
+
+    if (AppendReceived(gStrResAtBuffer, text) != 0) g_continuation = {};
+    DropEcho();
+    CarryOver(HandleResponses(gStrResAtBuffer));
+}
+
+uint32_t on_recieve_at() {
+    const bool watched = ConfigIs("WatchDog_Setting_Option", "on");
+    const int length = PortRecv(g_iFdCom, g_acSioBuf, kReadSize, g_sPortInfo.ulSpeed);
+    if (length <= 0) return 1;
+    g_acSioBuf[length] = '\0';
+    if (watched) AtStatistics.read.fetch_add(1, std::memory_order_relaxed);
+
+    // A line is written only after its request was handed over, so what answers it finds it in place.
+    HandoverTake();
+
+    AT_LOG(LOG_INFO, "Receive AT response ok,RecvLen(chars) =  %d.", length);
+    AT_LOG(LOG_INFO, "\n------------------------------------\n%s-------------------RecvLen:%d-----",
+           g_acSioBuf, length);
+    ProcessReceived(g_acSioBuf);
+    return 0;
+}
+
+bool DropUnfinishedQuote() {
+    bool quoted = false;
+    for (const char* at = gStrResAtBuffer; *at != '\0'; ++at)
+        if (*at == '"') quoted = !quoted;
+    if (!quoted) return false;
+    AT_LOG(LOG_WARNING, "unfinished text with an open quote dropped: %.80s", gStrResAtBuffer);
+    gStrResAtBuffer[0] = '\0';
+    g_continuation = {};
+    g_left_break = 0;
+    return true;
+}
