@@ -205,8 +205,7 @@ void CarryOver(char* rest) {
     if (length >= kMaxBuffered) {
         AT_LOG(LOG_ERR, "receive buffer is full, %d characters without a complete response dropped",
                static_cast<int>(length));
-        gStrResAtBuffer[0] = '\0';
-        g_continuation = {};
+        ForgetReceived();
     }
 }
 
@@ -250,14 +249,18 @@ uint32_t on_recieve_at() {
     return 0;
 }
 
+void ForgetReceived() {
+    gStrResAtBuffer[0] = '\0';
+    g_continuation = {};
+    g_left_break = 0;
+}
+
 bool DropUnfinishedQuote() {
     bool quoted = false;
     for (const char* at = gStrResAtBuffer; *at != '\0'; ++at)
         if (*at == '"') quoted = !quoted;
     if (!quoted) return false;
     AT_LOG(LOG_WARNING, "unfinished text with an open quote dropped: %.80s", gStrResAtBuffer);
-    gStrResAtBuffer[0] = '\0';
-    g_continuation = {};
-    g_left_break = 0;
+    ForgetReceived();
     return true;
 }

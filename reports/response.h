@@ -17,6 +17,9 @@ uint32_t on_recieve_at();
 // The step behind the read: `received` is NUL-terminated and may be rewritten; at most 102,400 characters.
 void ProcessReceived(char* received);
 
+// Drops all buffered text.
+void ForgetReceived();
+
 // For a request that timed out: drops unfinished text in which a double quote is open, because it would hide
 // every response that follows. True when something was dropped.
 bool DropUnfinishedQuote();
