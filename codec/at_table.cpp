@@ -9,7 +9,8 @@
 
 namespace {
 
-// +CIMI stands in the table twice. Only the first row is ever found; the second keeps the order of the table as it is.
+// +CIMI stands in the table twice. Only the first row is ever found; the second keeps the order of the table
+// as it is.
 constexpr uint16_t kTwiceInTheTable = 0x0111;
 
 template <const auto&... Lists>

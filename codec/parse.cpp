@@ -3,6 +3,7 @@
 #include "codec/atcode.h"
 #include "platform/config.h"
 #include "platform/log.h"
+#include "records/payload.h"
 #include "records/state.h"
 #include "text/atpublic.h"
 
@@ -33,7 +34,7 @@ static void CarryText(_BK_AT_RES_T& res, const char* text) {
 }
 
 static int ParseUnnamed(MSG_BUF& message, int& is_last, const _BK_AT_CMD_T& pending) {
-    auto& res = *reinterpret_cast<_BK_AT_RES_T*>(message.aucDataBuf);
+    _BK_AT_RES_T& res = ResponseOf(message);
     const bool final_result = IsFinal(g_res_line.Result);
     if (!final_result && g_res_line.strResParas[0] == '\0') return -1;
 
@@ -60,7 +61,7 @@ static int ParseNamed(MSG_BUF& message, int& is_last, const _BK_AT_CMD_T& pendin
     if (Bk_Find_Cmd_By_Name(&row, g_res_line.strCmdName) != 0) return -1;
     const AT_CMD_ITEM_T& item = g_astAtCmdTable[row];
 
-    auto& res = *reinterpret_cast<_BK_AT_RES_T*>(message.aucDataBuf);
+    _BK_AT_RES_T& res = ResponseOf(message);
     is_last = item.usCmdID == pending.usCmdID ? 1 : 0;
     AddressBack(message);
     res.usCmdID = item.usCmdID;

@@ -6,6 +6,7 @@
 #include <sys/msg.h>
 
 #include "platform/log.h"
+#include "records/payload.h"
 #include "records/state.h"
 
 static constexpr char kLogSource[] = "at_server";
@@ -38,7 +39,7 @@ int send_msg_buf(MSG_BUF* msg) {
         return 1;
     }
 
-    auto* res = reinterpret_cast<_BK_AT_RES_T*>(msg->aucDataBuf);
+    _BK_AT_RES_T* res = &ResponseOf(*msg);
     if (res->ucResult == 0) res->ucResult = AT_RESULT_OK;
     if (res->usCmdID == kHangUpCommand) g_atd_warting.store(0, std::memory_order_relaxed);
 

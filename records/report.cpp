@@ -3,6 +3,7 @@
 #include <string.h>
 
 #include "platform/log.h"
+#include "records/payload.h"
 #include "records/queue.h"
 
 static constexpr char kLogSource[] = "response";
@@ -33,7 +34,7 @@ static int SendReport(const ReportSender& sender, int target, int cmd_id, int cm
     message.usDataLen = kReportDataLen;
     message.ulMagic = AT_MESSAGE_MAGIC;
 
-    auto* out = reinterpret_cast<_BK_AT_RES_T*>(message.aucDataBuf);
+    _BK_AT_RES_T* out = &ResponseOf(message);
     out->usCmdID = static_cast<uint16_t>(cmd_id);
     out->ucCmdType = static_cast<uint8_t>(cmd_type);
     out->ucResult = sender.own_result ? uint8_t{AT_RESULT_OK} : res->ucResult;

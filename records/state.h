@@ -5,7 +5,7 @@
 
 #include <atomic>
 
-#include "records/message.h"
+#include "records/payload.h"
 
 // What the threads of the server share. Two threads and the timer service run in it:
 //   the request thread (main): receives requests, generates and writes lines;
@@ -27,7 +27,7 @@ extern uint16_t g_last_atcmd;
 
 // The request view of g_at_msg.aucDataBuf.
 inline _BK_AT_CMD_T* PendingRequest() {
-    return reinterpret_cast<_BK_AT_CMD_T*>(g_at_msg.aucDataBuf);
+    return &RequestOf(g_at_msg);
 }
 
 // Zeroes the request in flight and marks it idle.

@@ -5,6 +5,7 @@
 #include "platform/log.h"
 #include "port/com.h"
 #include "records/handover.h"
+#include "records/payload.h"
 #include "records/queue.h"
 #include "records/state.h"
 #include "reports/broadcast.h"
@@ -29,13 +30,9 @@ MSG_BUF g_message;
 // Where the last report line was taken out of gStrResAtBuffer.
 Continuation g_continuation;
 
-// Characters at the start of gStrResAtBuffer that are nothing but the line break left in front of a report
-// that was taken out; 0 otherwise.
-size_t g_left_break;
-
-_BK_AT_RES_T& MessageResponse() {
-    return *reinterpret_cast<_BK_AT_RES_T*>(g_message.aucDataBuf);
-}
+// The buffered text begins with a line break that was left in front of a report taken out, and what follows
+// it may turn out to be the echo of the next line.
+bool g_left_break;
 
 // Reports whose routing reads the line itself, where the decoder has already put a record.
 bool RoutesByText(uint16_t command) {
@@ -88,7 +85,7 @@ void CarryReportLine(const char* text, uint16_t command) {
         if (found == nullptr || found >= first.text_end) return;
         chosen = first;
     }
-    _BK_AT_RES_T& res = MessageResponse();
+    _BK_AT_RES_T& res = ResponseOf(g_message);
     const size_t length = chosen.Length() < sizeof res.aucParas ? chosen.Length() : sizeof res.aucParas - 1;
     memcpy(res.aucParas, chosen.begin, length);
     memset(res.aucParas + length, 0, sizeof res.aucParas - length);
@@ -108,7 +105,7 @@ const _BK_AT_CMD_T* PendingForParser(const char* text) {
 }
 
 void LogResponse(int is_last) {
-    const _BK_AT_RES_T& res = MessageResponse();
+    const _BK_AT_RES_T& res = ResponseOf(g_message);
     const int size = static_cast<int>(sizeof res.aucParas);
     const char* paras = reinterpret_cast<const char*>(res.aucParas);
     AT_LOG(LOG_DEBUG, "+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+");
@@ -126,7 +123,7 @@ void DeliverAnswer() {
     else
         AT_LOG(LOG_NOTICE, "send AT Response to module 0x%0x OK!", g_message.usTargetModuleID);
     ClearPendingRequest();
-    g_last_atcmd = MessageResponse().usCmdID;
+    g_last_atcmd = ResponseOf(g_message).usCmdID;
     g_at_statistics.received.fetch_add(1, std::memory_order_relaxed);
 }
 
@@ -142,7 +139,7 @@ void HandleResponse(const char* text, Cut cut, bool in_answer) {
     // What was sorted out is known to be no answer, whatever words it holds.
     if (parsed == -1 || cut != Cut::framed) is_last = 0;
 
-    _BK_AT_RES_T& res = MessageResponse();
+    _BK_AT_RES_T& res = ResponseOf(g_message);
     g_message.ulMagic = AT_MESSAGE_MAGIC;
     g_message.lMsgType = g_at_msg.lMsgType != -1 ? g_at_msg.lMsgType : 1;
     g_message.usMsgCmd = AT_MESSAGE_COMMAND;
@@ -158,9 +155,24 @@ void HandleResponse(const char* text, Cut cut, bool in_answer) {
     g_at_statistics.report.fetch_add(1, std::memory_order_relaxed);
 }
 
+// Where the text goes on behind an echo that arrived behind a line break left by a report, not at the start
+// of the buffer, where pre-processing would have dropped it. An echo whose own line break has not come is
+// left to that.
+char* SkipEcho(char* text) {
+    if (!g_left_break) return text;
+    const char* follows = text + 2;
+    if (follows[0] == '\0' || (follows[0] == 'A' && follows[1] == '\0')) return text;
+    g_left_break = false;
+    if (follows[0] != 'A' || follows[1] != 'T') return text;
+    g_continuation = {};
+    const char* line_break = Find_Sub_Str(follows, "\r\n");
+    return text + ((line_break != nullptr ? line_break : follows) - text);
+}
+
 // Handles the responses in the buffered text one after the other; returns where the unfinished rest begins.
 char* HandleResponses(char* text) {
     for (;;) {
+        text = SkipEcho(text);
         const Response response = NextResponse(text, PendingCommand::Current(), g_continuation);
         if (response.cut == Cut::nothing) return text;
         g_continuation = response.continuation;
@@ -177,12 +189,15 @@ char* HandleResponses(char* text) {
             *end = kept;
         }
         if (response.cut == Cut::framed) {
+            g_left_break = false;
             text = end;
             continue;
         }
         // The line goes, what stood before it moves up. Of nothing but line breaks one is enough.
         auto before = static_cast<size_t>(begin - text);
-        if (before > 2 && strspn(text, "\r\n") >= before) before = 2;
+        const bool only_breaks = before >= 2 && strspn(text, "\r\n") >= before;
+        if (only_breaks) before = 2;
+        g_left_break = only_breaks;
         memmove(end - before, begin - before, before);
         text = end - before;
     }
@@ -200,24 +215,12 @@ void CarryOver(char* rest) {
     memmove(moved, rest, length + 1);
     if (shift != 0) memcpy(gStrResAtBuffer, "\r\n", 2);
     length += shift;
-    g_left_break = length == 2 && strcmp(gStrResAtBuffer, "\r\n") == 0 ? length : 0;
 
     if (length >= kMaxBuffered) {
         AT_LOG(LOG_ERR, "receive buffer is full, %d characters without a complete response dropped",
                static_cast<int>(length));
         ForgetReceived();
     }
-}
-
-// When only a line break was left in the buffer and the next line is sent, its echo arrives behind that break
-// instead of at the start, where it would be dropped.
-void DropEcho() {
-    if (g_left_break == 0 || strncmp(gStrResAtBuffer + g_left_break, "AT", 2) != 0) return;
-    const char* line_break = Find_Sub_Str(gStrResAtBuffer + g_left_break, "\r\n");
-    const char* rest = line_break != nullptr ? line_break : gStrResAtBuffer + g_left_break;
-    memmove(gStrResAtBuffer, rest, strlen(rest) + 1);
-    g_left_break = 0;
-    g_continuation = {};
 }
 
 }  // namespace
@@ -228,7 +231,6 @@ void ProcessReceived(char* received) {
     AT_LOG(LOG_DEBUG, "pAtRes=%s", text);
 
     if (AppendReceived(gStrResAtBuffer, text) != 0) g_continuation = {};
-    DropEcho();
     CarryOver(HandleResponses(gStrResAtBuffer));
 }
 
@@ -252,7 +254,7 @@ uint32_t on_recieve_at() {
 void ForgetReceived() {
     gStrResAtBuffer[0] = '\0';
     g_continuation = {};
-    g_left_break = 0;
+    g_left_break = false;
 }
 
 bool DropUnfinishedQuote() {

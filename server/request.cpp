@@ -12,6 +12,7 @@
 #include "platform/log.h"
 #include "port/transmit.h"
 #include "records/handover.h"
+#include "records/payload.h"
 #include "records/queue.h"
 #include "records/state.h"
 #include "server/transaction.h"
@@ -78,7 +79,7 @@ static void HandOver(const MSG_BUF& request, const char* line) {
 }
 
 void ServeRequest(const MSG_BUF& request) {
-    const auto* command = reinterpret_cast<const _BK_AT_CMD_T*>(request.aucDataBuf);
+    const _BK_AT_CMD_T* command = &RequestOf(request);
     char line[kLineSize];
     if (Bk_Generate_At_Cmd_Line(line, command) != 0) {
         AT_LOG(LOG_ERR, "[error]:Parse AT Message error!error code:%d", kErrorNoLine);

@@ -5,6 +5,7 @@
 
 #include "platform/log.h"
 #include "records/handover.h"
+#include "records/payload.h"
 #include "records/queue.h"
 #include "records/state.h"
 #include "reports/response.h"
@@ -48,7 +49,7 @@ static MSG_BUF BuildAnswer(uint8_t result) {
     answer.usMsgCmd = AT_MESSAGE_COMMAND;
     answer.usDataLen = kOwnAnswerDataLen;
     answer.ulMagic = AT_MESSAGE_MAGIC;
-    auto* res = reinterpret_cast<_BK_AT_RES_T*>(answer.aucDataBuf);
+    _BK_AT_RES_T* res = &ResponseOf(answer);
     res->usCmdID = PendingRequest()->usCmdID;
     res->ucCmdType = PendingRequest()->ucCmdType;
     res->ucResult = result;
@@ -72,7 +73,7 @@ int SendTimeoutAnswer() {
     AT_LOG(LOG_INFO, "Waiting for AT response g_at_msg.aucDataBuf=%.*s\n",
            static_cast<int>(sizeof g_at_msg.aucDataBuf), reinterpret_cast<const char*>(g_at_msg.aucDataBuf));
     MSG_BUF answer = BuildAnswer(AT_RESULT_TIMEOUT);
-    const auto* res = reinterpret_cast<const _BK_AT_RES_T*>(answer.aucDataBuf);
+    const _BK_AT_RES_T* res = &ResponseOf(answer);
     AT_LOG(LOG_INFO, "Waiting for AT response tAtRes->usCmdID=0x%04x\n", res->usCmdID);
     AT_LOG(LOG_INFO, "Waiting for AT response g_at_msg.aucDataBuf=%d\n", res->ucCmdType);
     AT_LOG(LOG_INFO, "Waiting for AT response tAtRes->ucResult =%d\n", res->ucResult);
@@ -104,8 +105,7 @@ bool RefuseWhenBusy(const char* call_state, const char* data_state) {
         reason = "ppp_disconnecting";
     }
     MSG_BUF answer = BuildAnswer(AT_RESULT_BUSY);
-    auto* res = reinterpret_cast<_BK_AT_RES_T*>(answer.aucDataBuf);
-    memcpy(res->aucParas, reason, strlen(reason) + 1);
+    memcpy(ResponseOf(answer).aucParas, reason, strlen(reason) + 1);
     SendOwnAnswer(answer);
     return true;
 }
