@@ -30,9 +30,10 @@ MSG_BUF g_message;
 // Where the last report line was taken out of gStrResAtBuffer.
 Continuation g_continuation;
 
-// The buffered text begins with a line break that was left in front of a report taken out, and what follows
-// it may turn out to be the echo of the next line.
-bool g_left_break;
+// Where the echo of the next line may stand: at the start of the buffered text, when what preceded it has
+// been handled, or behind the line break that was left there in front of a report.
+enum class EchoPlace { none, start, behind_break };
+EchoPlace g_echo_place;
 
 // Reports whose routing reads the line itself, where the decoder has already put a record.
 bool RoutesByText(uint16_t command) {
@@ -155,18 +156,18 @@ void HandleResponse(const char* text, Cut cut, bool in_answer) {
     g_at_statistics.report.fetch_add(1, std::memory_order_relaxed);
 }
 
-// Where the text goes on behind an echo that arrived behind a line break left by a report, not at the start
-// of the buffer, where pre-processing would have dropped it. An echo whose own line break has not come is
-// left to that.
+// Where the text goes on behind an echo. Pre-processing drops an echo at the start of the buffer, but not one
+// that arrives in the same read as the response before it, or behind a line break that a report left. An echo
+// whose own line break has not come is left to pre-processing.
 char* SkipEcho(char* text) {
-    if (!g_left_break) return text;
-    const char* follows = text + 2;
+    if (g_echo_place == EchoPlace::none) return text;
+    char* const follows = text + (g_echo_place == EchoPlace::behind_break ? 2 : 0);
     if (follows[0] == '\0' || (follows[0] == 'A' && follows[1] == '\0')) return text;
-    g_left_break = false;
+    g_echo_place = EchoPlace::none;
     if (follows[0] != 'A' || follows[1] != 'T') return text;
     g_continuation = {};
-    const char* line_break = Find_Sub_Str(follows, "\r\n");
-    return text + ((line_break != nullptr ? line_break : follows) - text);
+    char* const line_break = Find_Sub_Str(follows, "\r\n");
+    return line_break != nullptr ? line_break : follows;
 }
 
 // Handles the responses in the buffered text one after the other; returns where the unfinished rest begins.
@@ -189,7 +190,7 @@ char* HandleResponses(char* text) {
             *end = kept;
         }
         if (response.cut == Cut::framed) {
-            g_left_break = false;
+            g_echo_place = EchoPlace::start;
             text = end;
             continue;
         }
@@ -197,7 +198,7 @@ char* HandleResponses(char* text) {
         auto before = static_cast<size_t>(begin - text);
         const bool only_breaks = before >= 2 && strspn(text, "\r\n") >= before;
         if (only_breaks) before = 2;
-        g_left_break = only_breaks;
+        g_echo_place = only_breaks ? EchoPlace::behind_break : EchoPlace::none;
         memmove(end - before, begin - before, before);
         text = end - before;
     }
@@ -213,7 +214,10 @@ void CarryOver(char* rest) {
     char* const moved = gStrResAtBuffer + shift;
     if (g_continuation.at != nullptr) g_continuation.at = moved + (g_continuation.at - rest);
     memmove(moved, rest, length + 1);
-    if (shift != 0) memcpy(gStrResAtBuffer, "\r\n", 2);
+    if (shift != 0) {
+        memcpy(gStrResAtBuffer, "\r\n", 2);
+        if (g_echo_place == EchoPlace::start) g_echo_place = EchoPlace::behind_break;
+    }
     length += shift;
 
     if (length >= kMaxBuffered) {
@@ -254,7 +258,7 @@ uint32_t on_recieve_at() {
 void ForgetReceived() {
     gStrResAtBuffer[0] = '\0';
     g_continuation = {};
-    g_left_break = false;
+    g_echo_place = EchoPlace::none;
 }
 
 bool DropUnfinishedQuote() {

@@ -414,6 +414,20 @@ TEST_F(Delivery, EchoBehindALineBreakThatAReportLeftIsDropped) {
                      {Registration(1), Answer(0x0001, 1, 1, 0, "OK")});
 }
 
+TEST_F(Delivery, EchoInTheReadOfTheResponseBeforeIsDropped) {
+    // A dial is not waited for, so its OK and the echo of the next line can come in one read.
+    ExpectEverySplit(0x0001, AT_CMD_TYPE_EXEC, "\r\nRING\r\nAT\r\r\nOK\r\n",
+                     {{AT_MODULE_CALL, 0x0407, 1, 1, 4, "RING"}, Answer(0x0001, 1, 1, 0, "OK")});
+}
+
+TEST_F(Delivery, AnswerThatBeginsLikeAnEchoIsNone) {
+    Pend(0x0610, AT_CMD_TYPE_EXEC);
+    Feed("\r\n+CREG: 1\r\n");
+    Feed("\r\nATM-100\r\n\r\nOK\r\n");
+    ASSERT_EQ(Messages().size(), 2U);
+    EXPECT_EQ(Messages()[1].text.substr(0, 7), "ATM-100");
+}
+
 TEST_F(Delivery, RestThatBeginsInTheMiddleOfALineKeepsIt) {
     Pend(0x0604, AT_CMD_TYPE_EXEC);
     Feed("\r\n+CSQ: 20,99\r\n\r\nOK\r\n+CRE");
