@@ -59,7 +59,11 @@ void ReportVectors::ExpectReport(uint16_t target, uint16_t id, uint8_t type, con
     EXPECT_EQ(
         std::string(reinterpret_cast<const char*>(response.aucParas), std::min<size_t>(paras.size(), 634)),
         paras);
-    EXPECT_EQ(std::string(message.body.begin(), message.body.end()), ReportBody(target, id, type, paras));
+    const std::string body(message.body.begin(), message.body.end());
+    const std::string wanted = ReportBody(target, id, type, paras);
+    ASSERT_EQ(body.size(), wanted.size());
+    for (size_t i = 0; i < body.size(); i++)
+        ASSERT_EQ(body[i], wanted[i]) << "at offset " << i + 4 << " of the message";
 }
 
 void ReportVectors::ExpectNothingSent() {

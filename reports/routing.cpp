@@ -1,0 +1,483 @@
+#include "reports/routing.h"
+
+#include <string.h>
+
+#include <array>
+#include <span>
+
+#include "platform/log.h"
+#include "platform/platform.h"
+#include "port/transmit.h"
+#include "records/report.h"
+#include "records/state.h"
+#include "reports/report_records.h"
+#include "text/atpublic.h"
+#include "text/scan.h"
+
+namespace {
+
+constexpr char kLogSource[] = "response";
+
+constexpr uint16_t kAt = 0x0001;
+constexpr uint16_t kCmgs = 0x0108;
+constexpr uint16_t kCmgw = 0x010A;
+constexpr uint16_t kCcfc = 0x052B;
+constexpr uint16_t kCcwa = 0x052C;
+constexpr uint16_t kHangUp = 0x0408;
+
+constexpr int kCmdTypeStk = 35;          // +ZUPCI: the one proactive command whose text the module wants
+constexpr size_t kRequestPduSize = 500;  // the PDU's array in the records of +CMGS and +CMGW
+constexpr char kEndOfMessage = 0x1A;
+
+// --- the rows
+// -----------------------------------------------------------------------------------------------
+
+// A report on its way: the response and where in its text the row's literal stands.
+struct Row;
+
+struct Report {
+    const Row* row;
+    _BK_AT_RES_T* res;
+    const char* at;
+    size_t length;  // of the text from `at` on
+};
+
+// When a row applies.
+enum class Test : uint8_t {
+    has_text,     // its literal stands in the text
+    is_cmgs,      // the response itself is that of +CMGS
+    cmgs_prompt,  // +CMGS is pending and the literal does not stand in the text
+    cmgw_prompt,  // +CMGW is pending
+};
+
+enum class Action : uint8_t {
+    forward,     // send the response as it is
+    decode,      // read the record from the normalised text and send it
+    decode_raw,  // read the record from the text as it stands and send it
+    prepare,     // send what the function leaves in the response
+    handle,      // the function does everything
+};
+
+// The record that a row decodes into.
+struct Layout {
+    std::span<const FieldRef> fields;
+    uint16_t size;          // bytes
+    uint32_t restored = 0;  // bit n: put back in field n what normalising hid
+};
+
+struct Row {
+    Test test = Test::has_text;
+    const char* literal = nullptr;
+    Action action = Action::forward;
+    bool clears = false;  // ends the request in flight
+    int target = 0;
+    uint16_t id = 0;
+    uint8_t type = 1;
+    const char* format = nullptr;
+    const Layout* record = nullptr;
+    void (*run)(Report& report) = nullptr;
+    void (*note)(const unsigned char* record) = nullptr;  // logs the decoded record
+};
+
+constexpr FieldRef kRefreshFields[] = {
+    AT_FIELD_REF(AT_ZREFRESH_NOTIFY_RES_PARA_T, file_id),
+    AT_FIELD_REF(AT_ZREFRESH_NOTIFY_RES_PARA_T, text),
+};
+constexpr Layout kRefresh = {kRefreshFields, sizeof(AT_ZREFRESH_NOTIFY_RES_PARA_T)};
+constexpr FieldRef kMessageFields[] = {
+    AT_FIELD_REF(AT_CMTI_NOTIFY_RES_PARA_T, memory),
+    AT_FIELD_REF(AT_CMTI_NOTIFY_RES_PARA_T, index),
+};
+constexpr Layout kNewMessage = {kMessageFields, sizeof(AT_CMTI_NOTIFY_RES_PARA_T)};
+constexpr FieldRef kClassFields[] = {
+    AT_FIELD_REF(AT_ZCLAS_NOTIFY_RES_PARA_T, length),
+    AT_FIELD_REF(AT_ZCLAS_NOTIFY_RES_PARA_T, pdu),
+};
+constexpr Layout kClassMessage = {kClassFields, sizeof(AT_ZCLAS_NOTIFY_RES_PARA_T), 0b10};
+constexpr FieldRef kVoiceMailFields[] = {AT_FIELD_REF(AT_ZVMAIL_NOTIFY_RES_PARA_T, vm_flag)};
+constexpr Layout kVoiceMail = {kVoiceMailFields, sizeof(AT_ZVMAIL_NOTIFY_RES_PARA_T)};
+constexpr FieldRef kHdrSignalFields[] = {AT_FIELD_REF(AT_HRSSILVL_NOTIFY_RES_PARA_T, hdr_rssi)};
+constexpr Layout kHdrSignal = {kHdrSignalFields, sizeof(AT_HRSSILVL_NOTIFY_RES_PARA_T)};
+constexpr FieldRef kConnectionFields[] = {AT_FIELD_REF(AT_ZCONSTAT_NOTIFY_RES_PARA_T, stat)};
+constexpr Layout kConnection = {kConnectionFields, sizeof(AT_ZCONSTAT_NOTIFY_RES_PARA_T)};
+constexpr FieldRef kAddressFields[] = {
+    AT_FIELD_REF(AT_ZGIPDNS_NOTIFY_RES_PARA_T, cid_num),
+    AT_FIELD_REF(AT_ZGIPDNS_NOTIFY_RES_PARA_T, cid1),
+    AT_FIELD_REF(AT_ZGIPDNS_NOTIFY_RES_PARA_T, PDP_type),
+    AT_FIELD_REF(AT_ZGIPDNS_NOTIFY_RES_PARA_T, PDP_addr),
+    AT_FIELD_REF(AT_ZGIPDNS_NOTIFY_RES_PARA_T, gateway),
+    AT_FIELD_REF(AT_ZGIPDNS_NOTIFY_RES_PARA_T, primary_dns),
+    AT_FIELD_REF(AT_ZGIPDNS_NOTIFY_RES_PARA_T, secondary_dns),
+};
+constexpr Layout kAddresses = {kAddressFields, sizeof(AT_ZGIPDNS_NOTIFY_RES_PARA_T), 0b1111100};
+constexpr FieldRef kIccidFields[] = {AT_FIELD_REF(AT_ZICCID_NOTIFY_RES_PARA_T, iccid)};
+constexpr Layout kIccid = {kIccidFields, sizeof(AT_ZICCID_NOTIFY_RES_PARA_T)};
+constexpr FieldRef kCregFields[] = {
+    AT_FIELD_REF(AT_CREG_NOTIFY_RES_PARA_T, state),
+    AT_FIELD_REF(AT_CREG_NOTIFY_RES_PARA_T, lac),
+    AT_FIELD_REF(AT_CREG_NOTIFY_RES_PARA_T, cellid),
+};
+constexpr Layout kCreg = {kCregFields, sizeof(AT_CREG_NOTIFY_RES_PARA_T), 0b110};
+constexpr FieldRef kCgregFields[] = {
+    AT_FIELD_REF(AT_CGREG_NOTIFY_RES_PARA_T, state),  AT_FIELD_REF(AT_CGREG_NOTIFY_RES_PARA_T, lac),
+    AT_FIELD_REF(AT_CGREG_NOTIFY_RES_PARA_T, cellid), AT_FIELD_REF(AT_CGREG_NOTIFY_RES_PARA_T, act),
+    AT_FIELD_REF(AT_CGREG_NOTIFY_RES_PARA_T, rac),    AT_FIELD_REF(AT_CGREG_NOTIFY_RES_PARA_T, sub_act),
+};
+constexpr Layout kCgreg = {kCgregFields, sizeof(AT_CGREG_NOTIFY_RES_PARA_T), 0b10110};
+constexpr FieldRef kCeregFields[] = {
+    AT_FIELD_REF(AT_CEREG_NOTIFY_RES_PARA_T, state),   AT_FIELD_REF(AT_CEREG_NOTIFY_RES_PARA_T, tac),
+    AT_FIELD_REF(AT_CEREG_NOTIFY_RES_PARA_T, cellid),  AT_FIELD_REF(AT_CEREG_NOTIFY_RES_PARA_T, act),
+    AT_FIELD_REF(AT_CEREG_NOTIFY_RES_PARA_T, sub_act),
+};
+constexpr Layout kCereg = {kCeregFields, sizeof(AT_CEREG_NOTIFY_RES_PARA_T), 0b110};
+constexpr FieldRef kTimeFields[] = {
+    {0, 4, FieldType::i32},  {4, 4, FieldType::i32},  {8, 4, FieldType::i32},  {12, 4, FieldType::i32},
+    {16, 4, FieldType::i32}, {20, 4, FieldType::i32}, {24, 4, FieldType::i32}, {28, 4, FieldType::i32},
+};
+constexpr Layout kTime = {kTimeFields, sizeof(AT_ZNITZ_NOTIFY_RES_PARA_T)};
+constexpr FieldRef kToolkitFields[] = {
+    AT_FIELD_REF(AT_ZUPCI_NOTIFY_RES_PARA_T, cmdtype),
+    {4, 4, FieldType::i32},
+    {8, 4, FieldType::i32},
+    {12, 4, FieldType::i32},
+    AT_FIELD_REF(AT_ZUPCI_NOTIFY_RES_PARA_T, txt),
+};
+constexpr Layout kToolkitText = {kToolkitFields, sizeof(AT_ZUPCI_NOTIFY_RES_PARA_T), 0b10000};
+constexpr FieldRef kToolkitEndFields[] = {AT_FIELD_REF(AT_ZUEND_NOTIFY_RES_PARA_T, result)};
+constexpr Layout kToolkitEnd = {kToolkitEndFields, sizeof(AT_ZUEND_NOTIFY_RES_PARA_T)};
+
+void AnswerCmgsPrompt(Report& report);
+void AnswerCmgwPrompt(Report& report);
+void TakeCallingNumber(Report& report);
+void NoteCallState(Report& report);
+void ReportLateOk(Report& report);
+void DecodeToolkitText(Report& report);
+void NoteNewMessage(const unsigned char* record);
+void NoteConnection(const unsigned char* record);
+
+constexpr int kSms = AT_MODULE_SMS;
+constexpr int kCall = AT_MODULE_CALL;
+constexpr int kSim = AT_MODULE_SIM;
+constexpr int kData = AT_MODULE_DATA;
+using enum Action;
+
+// clang-format off
+// The first row that applies decides. A longer literal stands before the shorter one that it contains.
+constexpr Row kRows[] = {
+    {.literal = "ZREFRESH: ", .action = decode, .target = kSms, .id = 0x011A, .format = "ZREFRESH: %32s %32s", .record = &kRefresh},
+    {.literal = "+CMTI: ", .action = decode, .target = kSms, .id = 0x0110, .format = "+CMTI: %10s %d", .record = &kNewMessage, .note = NoteNewMessage},
+    {.literal = "+ZVMTI: ", .action = decode, .target = kSms, .id = 0x0117, .format = "+ZVMTI: %10s %d", .record = &kNewMessage},
+    {.literal = "+CDSI: ", .action = decode, .target = kSms, .id = 0x0112, .format = "+CDSI: %10s %d", .record = &kNewMessage},
+    {.test = Test::is_cmgs, .target = kSms, .id = kCmgs, .type = 2},
+    // While a message is being sent, whatever else arrives is taken for the modem's "> ".
+    {.test = Test::cmgs_prompt, .literal = "+CGEV: ", .action = handle, .run = AnswerCmgsPrompt},
+    {.test = Test::cmgw_prompt, .action = handle, .run = AnswerCmgwPrompt},
+    {.literal = "RINGBACK:", .target = kCall, .id = 0x053D},
+    {.literal = "RINGBACKLOCAL", .target = kCall, .id = 0x053D},
+    {.literal = "RINGBACK", .target = kCall, .id = 0x053D},
+    {.literal = "VOICE NO CARRIER : ", .target = kCall, .id = 0x040E},
+    {.literal = "VOICE NO CARRIER: ", .target = kCall, .id = 0x040E},
+    {.literal = "VOICE NO CARRIER ", .target = kCall, .id = 0x040E},
+    {.literal = "STOPRING", .target = kCall, .id = 0x040C},
+    {.literal = "RING", .target = kCall, .id = 0x0407},
+    {.literal = "+CLIP: ", .action = prepare, .target = kCall, .id = 0x0513, .run = TakeCallingNumber},
+    {.literal = "+CCWA: ", .target = kCall, .id = kCcwa},
+    {.literal = "VOICE CONNECT", .clears = true, .target = kCall, .id = 0x040D},
+    {.literal = "ANSWER", .clears = true, .target = kCall, .id = 0x040A},
+    {.literal = "ZVCONNECT: ", .action = handle, .run = NoteCallState},
+    {.literal = "CONNECT", .clears = true, .target = kCall, .id = 0x040D},
+    {.literal = "HANGUP:", .target = kCall, .id = 0x0408},
+    {.literal = "+ZCLAS: ", .action = decode, .target = kSms, .id = 0x0521, .format = "+ZCLAS: %d %499s", .record = &kClassMessage},
+    {.literal = "ZVMAIL: ", .action = decode, .target = kSms, .id = 0x0118, .format = "ZVMAIL: %d", .record = &kVoiceMail},
+    {.literal = "^CONN", .clears = true, .target = kCall, .id = 0x0541},
+    {.literal = "^CEND", .clears = true, .target = kCall, .id = 0x0542},
+    {.literal = "+ZCPI", .clears = true, .target = kCall, .id = 0x055E},
+    {.literal = "OK", .action = handle, .run = ReportLateOk},
+    {.literal = "^HRSSILVL:", .action = decode_raw, .target = kSim, .id = 0x0550, .format = "^HRSSILVL:%2s", .record = &kHdrSignal},
+    {.literal = "+ZCONSTAT: ", .action = decode_raw, .target = kData, .id = 0x0625, .format = "+ZCONSTAT: %d", .record = &kConnection, .note = NoteConnection},
+    {.literal = "+ZGIPDNS: ", .action = decode, .target = kData, .id = 0x0627, .format = "+ZGIPDNS: %d %d %8s %59s %59s %59s %59s", .record = &kAddresses},
+    {.literal = "+ZICCID: ", .action = decode_raw, .target = kSim, .id = 0x0629, .type = 6, .format = "+ZICCID: %63s", .record = &kIccid},
+    {.literal = "+CREG: ", .action = decode, .target = kSim, .id = 0x052D, .type = 6, .format = "+CREG: %d %15s %15s", .record = &kCreg},
+    {.literal = "+CGREG: ", .action = decode, .target = kSim, .id = 0x0553, .type = 6, .format = "+CGREG: %d %15s %15s %d %15s %d", .record = &kCgreg},
+    {.literal = "+CEREG: ", .action = decode, .target = kSim, .id = 0x0552, .type = 6, .format = "+CEREG: %d %15s %15s %d %d", .record = &kCereg},
+    {.literal = "+ZNITZ: ", .action = decode, .target = AT_MODULE_TIME, .id = 0x063E, .format = "+ZNITZ: %d %d %d %d %d %d %d %d", .record = &kTime},
+    {.literal = "+ZUPCI: ", .action = prepare, .target = kSim, .id = 0x0630, .type = 6, .format = "+ZUPCI: %d %d %d %d %511s", .record = &kToolkitText, .run = DecodeToolkitText},
+    {.literal = "+ZUEND: ", .action = decode, .target = kSim, .id = 0x0632, .type = 6, .format = "+ZUEND: %d", .record = &kToolkitEnd},
+    {.literal = "+ZEND", .target = AT_MODULE_TOOLKIT, .id = 0x0708},
+    {.literal = "+ZSIMREFRESH", .target = kSim, .id = 0x0646, .type = 6},
+};
+// clang-format on
+
+constexpr int kRowCount = sizeof kRows / sizeof kRows[0];
+static_assert(kRowCount == 40);
+
+consteval bool BeginsWith(const char* text, const char* head) {
+    while (*head != '\0')
+        if (*text++ != *head++) return false;
+    return true;
+}
+
+consteval bool RowsAreSound() {
+    for (const Row& row : kRows) {
+        const bool decodes = row.action == decode || row.action == decode_raw;
+        const bool calls = row.action == prepare || row.action == handle;
+        if (calls != (row.run != nullptr)) return false;
+        if (decodes && row.record == nullptr) return false;
+        if ((row.action == handle) != (row.target == 0)) return false;
+        if (row.record != nullptr) {
+            if (row.record->size > AT_RESPONSE_PARAS_SIZE || row.record->fields.size() > 32) return false;
+            if (!BeginsWith(row.format, row.literal) || !ScanFits(row.format, row.record->fields))
+                return false;
+        }
+    }
+    return true;
+}
+static_assert(RowsAreSound());
+
+// --- looking for the literals
+// -------------------------------------------------------------------------------
+
+using RowSet = uint64_t;
+static_assert(kRowCount <= 64);
+
+// The rows that have a literal, chained by its first character; row numbers begin at 1, 0 ends a chain.
+struct LiteralIndex {
+    std::array<uint8_t, 128> first{};
+    std::array<uint8_t, kRowCount + 1> next{};
+    std::array<uint8_t, kRowCount + 1> length{};
+};
+
+consteval LiteralIndex IndexLiterals() {
+    LiteralIndex index;
+    for (int row = kRowCount; row > 0; row--) {
+        const char* literal = kRows[row - 1].literal;
+        if (literal == nullptr) continue;
+        size_t length = 0;
+        while (literal[length] != '\0')
+            length++;
+        const size_t c = static_cast<unsigned char>(literal[0]);
+        index.length[static_cast<size_t>(row)] = static_cast<uint8_t>(length);
+        index.next[static_cast<size_t>(row)] = index.first[c];
+        index.first[c] = static_cast<uint8_t>(row);
+    }
+    return index;
+}
+
+constexpr LiteralIndex kLiterals = IndexLiterals();
+
+// Where each row's literal stands first in a text; valid for the rows of `found`.
+struct Found {
+    RowSet found = 0;
+    uint16_t at[kRowCount];
+};
+
+// One walk over the text finds what Find_Sub_Str would find for each literal: the first place outside double
+// quotes.
+void FindLiterals(const char* text, size_t length, Found& result) {
+    bool quoted = false;
+    for (size_t i = 0; i < length; i++) {
+        const unsigned char c = static_cast<unsigned char>(text[i]);
+        if (c == '"') quoted = !quoted;
+        if (quoted || c >= kLiterals.first.size()) continue;
+        for (size_t row = kLiterals.first[c]; row != 0; row = kLiterals.next[row]) {
+            const RowSet bit = RowSet{1} << (row - 1);
+            if ((result.found & bit) != 0 || length - i < kLiterals.length[row]) continue;
+            if (memcmp(text + i, kRows[row - 1].literal, kLiterals.length[row]) != 0) continue;
+            result.found |= bit;
+            result.at[row - 1] = static_cast<uint16_t>(i);
+        }
+    }
+}
+
+bool Applies(const Row& row, bool has_literal, const _BK_AT_RES_T& res, bool may_prompt) {
+    switch (row.test) {
+        case Test::has_text:
+            return has_literal;
+        case Test::is_cmgs:
+            return res.usCmdID == kCmgs;
+        case Test::cmgs_prompt:
+            return may_prompt && PendingRequest()->usCmdID == kCmgs && !has_literal;
+        case Test::cmgw_prompt:
+            return may_prompt && PendingRequest()->usCmdID == kCmgw;
+    }
+    return false;
+}
+
+// --- what the rows do
+// ---------------------------------------------------------------------------------------
+
+void SetParas(_BK_AT_RES_T& res, const void* record, uint16_t size) {
+    memcpy(res.aucParas, record, size);
+    res.usParaLen = size;
+}
+
+// The text from the literal on, terminated; it is shorter than a parameter line.
+void CopyText(const Report& report, char (&line)[kParaLineSize]) {
+    memcpy(line, report.at, report.length);
+    line[report.length] = '\0';
+}
+static_assert(AT_RESPONSE_PARAS_SIZE < kParaLineSize);
+
+// Reads the row's record from `line` into `record`, which has room for any of them.
+void ReadRecord(const Row& row, char (&line)[kParaLineSize], unsigned char* record) {
+    if (row.action != decode_raw) PreProc_Res_ParaLine(line);
+    memset(record, 0, row.record->size);
+    ScanRecord(line, row.format, row.record->fields, record);
+    for (size_t i = 0; i < row.record->fields.size(); i++)
+        if ((row.record->restored >> i & 1U) != 0)
+            Restore_String_Para(reinterpret_cast<char*>(record + row.record->fields[i].offset));
+}
+
+void Decode(const Row& row, Report& report) {
+    char line[kParaLineSize];
+    unsigned char record[AT_RESPONSE_PARAS_SIZE];
+    CopyText(report, line);
+    ReadRecord(row, line, record);
+    SetParas(*report.res, record, row.record->size);
+    if (row.note != nullptr) row.note(record);
+}
+
+void NoteNewMessage(const unsigned char* record) {
+    AT_CMTI_NOTIFY_RES_PARA_T para;
+    memcpy(&para, record, sizeof para);
+    AT_LOG(LOG_DEBUG, "tPara.memory:%s    tPara.index:%d ", para.memory, para.index);
+}
+
+void NoteConnection(const unsigned char* record) {
+    AT_ZCONSTAT_NOTIFY_RES_PARA_T para;
+    memcpy(&para, record, sizeof para);
+    AT_LOG(LOG_DEBUG, "ZCONSTAT stat:%d", para.stat);
+}
+
+// Writes the PDU of the pending request, which stands at `offset` of its parameters and may lack its NUL.
+void AnswerPrompt(size_t offset, const char* command) {
+    char message[kRequestPduSize + 2];
+    const char* pdu = reinterpret_cast<const char*>(PendingRequest()->aucParas) + offset;
+    const size_t length = strnlen(pdu, kRequestPduSize);
+    memcpy(message, pdu, length);
+    message[length] = kEndOfMessage;
+    message[length + 1] = '\0';
+    send_at_cmd(message);
+    AT_LOG(LOG_DEBUG, "-->>>>>>mLstcmd == %s--msg_tmp=%s", command, message);
+}
+
+// The PDU of +CMGS stands behind its length, that of +CMGW behind its length and the message's status.
+constexpr size_t kCmgsPduOffset = 4;
+constexpr size_t kCmgwPduOffset = 8;
+static_assert(kCmgwPduOffset + kRequestPduSize <= AT_REQUEST_PARAS_SIZE);
+
+void AnswerCmgsPrompt(Report&) {
+    AnswerPrompt(kCmgsPduOffset, "AT_CMGS_CMD");
+}
+void AnswerCmgwPrompt(Report&) {
+    AnswerPrompt(kCmgwPduOffset, "AT_CMGW_CMD");
+}
+
+void TakeCallingNumber(Report& report) {
+    char line[kParaLineSize];
+    char number[kParaLineSize] = {};
+    CopyText(report, line);
+    findnum(line, number);
+    memset(report.res->aucParas, 0, 512);
+    SetParas(*report.res, number, static_cast<uint16_t>(strlen(number)));
+    AT_LOG(LOG_DEBUG, "+CLIP: dest =%s\n", number);
+}
+
+// The state of a call over LTE. A line without a number changes nothing.
+void NoteCallState(Report& report) {
+    static constexpr FieldRef kState[] = {{0, 4, FieldType::i32}};
+    char line[kParaLineSize];
+    int32_t state = -1;
+    CopyText(report, line);
+    ScanRecord(line, "ZVCONNECT: %d", kState, &state);
+    switch (state) {
+        case 0:
+            cfg_set("call_cs_status", "call_idle");
+            cfg_set("volte_cs_status", "call_idle");
+            AT_LOG(LOG_DEBUG, "ZVCONNECT: 0 and cfg set");
+            break;
+        case 1:
+            cfg_set("call_cs_status", "call_active");
+            AT_LOG(LOG_DEBUG, "ZVCONNECT: 1 and cfg set");
+            break;
+        case 2:
+            cfg_set("call_cs_status", "call_active");
+            cfg_set("volte_cs_status", "call_active");
+            AT_LOG(LOG_DEBUG, "ZVCONNECT: 2 and cfg set");
+            break;
+        default:
+            break;
+    }
+}
+
+// An OK that is nobody's answer: of the AT that probes the modem, else of a dial whose call has ended.
+void ReportLateOk(Report& report) {
+    if (PendingRequest()->usCmdID == kAt) {
+        send_auto_report(kSim, kAt, 1, report.res);
+    } else {
+        send_auto_report(kCall, kHangUp, 1, report.res);
+        g_atd_warting = 0;
+    }
+    ClearPendingRequest();
+}
+
+// The text is wanted for one proactive command alone; the others are reported by their number.
+void DecodeToolkitText(Report& report) {
+    const Row& row = *report.row;
+    char line[kParaLineSize];
+    unsigned char record[sizeof(AT_ZUPCI_NOTIFY_RES_PARA_T)] = {};
+    int32_t cmdtype = 0;
+    CopyText(report, line);
+    ScanRecord(line, "+ZUPCI: %d", row.record->fields.first(1), record);
+    memcpy(&cmdtype, record, sizeof cmdtype);
+    if (cmdtype == kCmdTypeStk) ReadRecord(row, line, record);
+    SetParas(*report.res, record, row.record->size);
+}
+
+// While the answer of +CCFC or +CCWA is the last one that was delivered, what follows is taken for its
+// further lines.
+bool ForwardFurtherLine(const _BK_AT_RES_T* res) {
+    if (g_last_atcmd == kCcfc)
+        AT_LOG(LOG_DEBUG, "---.>>>>>>>>>>g_last_atcmd == AT_CCFC_CMD");
+    else if (g_last_atcmd == kCcwa)
+        AT_LOG(LOG_DEBUG, "---.>>>>>>>>>>g_last_atcmd == AT_CCWA_CMD");
+    else
+        return false;
+    send_auto_report(kCall, g_last_atcmd, 2, res);
+    return true;
+}
+
+}  // namespace
+
+void RouteReport(MSG_BUF* pRes, const RouteContext& context) {
+    if (pRes == nullptr) {
+        AT_LOG(LOG_ERR, "resolve_auto_report::NULL == pRes\n");
+        return;
+    }
+    _BK_AT_RES_T& res = *reinterpret_cast<_BK_AT_RES_T*>(pRes->aucDataBuf);
+    const char* text = reinterpret_cast<const char*>(res.aucParas);
+    const size_t length = strnlen(text, sizeof res.aucParas);
+    AT_LOG(LOG_DEBUG, "resolve_auto_report:: the auto report is :%.*s", static_cast<int>(length), text);
+    if (ForwardFurtherLine(&res)) return;
+
+    Found literals;
+    FindLiterals(text, length, literals);
+    for (int i = 0; i < kRowCount; i++) {
+        const Row& row = kRows[i];
+        const bool has_literal = (literals.found >> i & 1U) != 0;
+        if (!Applies(row, has_literal, res, context.may_prompt)) continue;
+        const size_t at = has_literal ? literals.at[i] : 0;
+        Report report = {&row, &res, text + at, length - at};
+        if (row.run != nullptr)
+            row.run(report);
+        else if (row.action != forward)
+            Decode(row, report);
+        if (row.action != handle) send_auto_report(row.target, row.id, row.type, &res);
+        if (row.clears && context.may_clear) ClearPendingRequest();
+        return;
+    }
+}
+
+void resolve_auto_report(MSG_BUF* pRes) {
+    RouteReport(pRes, RouteContext());
+}
