@@ -55,6 +55,8 @@ int cbm_resolve(const char* text) {
         const char* pdu = line_end + 2;
         const char* pdu_end = strstr(pdu, "\r\n");
         size_t length = pdu_end != nullptr ? static_cast<size_t>(pdu_end - pdu) : strlen(pdu);
+        // The second half of the line break may not have been read yet.
+        if (pdu_end == nullptr && length != 0 && pdu[length - 1] == '\r') length--;
         if (length > sizeof record.pdu - 1) length = sizeof record.pdu - 1;
         memcpy(record.pdu, pdu, length);
     }

@@ -29,8 +29,7 @@ constexpr int kCmdTypeStk = 35;          // +ZUPCI: the one proactive command wh
 constexpr size_t kRequestPduSize = 500;  // the PDU's array in the records of +CMGS and +CMGW
 constexpr char kEndOfMessage = 0x1A;
 
-// --- the rows
-// -----------------------------------------------------------------------------------------------
+// --- the rows --------------------------------------------------------------------------------------------
 
 // A report on its way: the response and where in its text the row's literal stands.
 struct Row;
@@ -234,8 +233,7 @@ consteval bool RowsAreSound() {
 }
 static_assert(RowsAreSound());
 
-// --- looking for the literals
-// -------------------------------------------------------------------------------
+// --- looking for the literals ----------------------------------------------------------------------------
 
 using RowSet = uint64_t;
 static_assert(kRowCount <= 64);
@@ -303,8 +301,7 @@ bool Applies(const Row& row, bool has_literal, const _BK_AT_RES_T& res, bool may
     return false;
 }
 
-// --- what the rows do
-// ---------------------------------------------------------------------------------------
+// --- what the rows do ------------------------------------------------------------------------------------
 
 void SetParas(_BK_AT_RES_T& res, const void* record, uint16_t size) {
     memcpy(res.aucParas, record, size);

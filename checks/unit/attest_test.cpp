@@ -81,8 +81,7 @@ std::string LineAfter(const std::string& text, const std::string& head) {
     return text.substr(at, text.find("\r\n", at) - at);
 }
 
-// --- switched off
-// -----------------------------------------------------------------------------------------------------
+// --- switched off ----------------------------------------------------------------------------------------
 
 TEST_F(AtTest, OffHandsOnWhatWasReceived) {
     Pending(0x0604, AT_CMD_TYPE_EXEC);
@@ -133,8 +132,7 @@ TEST_F(AtTest, ReceivedTextThatIsTooLongIsCut) {
     EXPECT_EQ(Run(received), received.substr(0, kTestOutputSize - 1));
 }
 
-// --- the built-in list
-// ------------------------------------------------------------------------------------------------
+// --- the built-in list -----------------------------------------------------------------------------------
 
 TEST_F(AtTest, ExecuteOfCsqAndOneReportWithEachOfTheFirstFourChunks) {
     Pending(0x0604, AT_CMD_TYPE_EXEC);
@@ -296,8 +294,7 @@ TEST_F(AtTest, OtherIndexesAndTypesOfCmgrAreNotInTheList) {
     EXPECT_EQ(Run(), kReceived);
 }
 
-// --- the file
-// ---------------------------------------------------------------------------------------------------------
+// --- the file --------------------------------------------------------------------------------------------
 
 TEST_F(AtTest, FileAnswersTheLastLine) {
     Ini("[AT_TEST]\nAT_ITEM_REQUEST_NUM=1\n[REQUESTRES]\nAT_ITEM1=AT+CSQ::+CSQ: 5,99\\r\\n\\r\\nOK\\r\\n\n");
@@ -442,8 +439,7 @@ TEST_F(AtTest, LongestItem) {
     EXPECT_EQ(Run(), item.substr(8));
 }
 
-// --- escapes
-// ----------------------------------------------------------------------------------------------------------
+// --- escapes ---------------------------------------------------------------------------------------------
 
 TEST(TransformATResString, Escapes) {
     EXPECT_EQ(Transformed("a\\r\\nb\n"), "a\r\nb");

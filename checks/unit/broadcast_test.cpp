@@ -38,6 +38,10 @@ TEST_F(Broadcast, CbmFirstOfTwoPages) {
 TEST_F(Broadcast, CbmWithoutSecondLineBreakTakesTheRest) {
     EXPECT_EQ(cbm_resolve("+CBM: 3\r\nAABBCC"), 0);
     ExpectCbm(3, "AABBCC");
+    EXPECT_EQ(cbm_resolve("+CBM: 3\r\nAABBCC\r"), 0);  // half of the line break has been read
+    ExpectCbm(3, "AABBCC");
+    EXPECT_EQ(cbm_resolve("+CBM: 3\r\n\r"), 0);
+    ExpectCbm(3, "");
 }
 
 TEST_F(Broadcast, CbmWithoutLineBreakIsSentEmpty) {

@@ -25,8 +25,7 @@ class Connection : public ReportVectors {
     void ExpectState(int32_t stat) { ExpectReport(0x1022, 0x0625, 1, Bytes().Int(stat).str()); }
 };
 
-// --- WAN reset
-// --------------------------------------------------------------------------------------------------------
+// --- WAN reset -------------------------------------------------------------------------------------------
 
 TEST_F(Connection, WanResetWritesSevenKeysInOrderAndEndsTheDhcpClient) {
     Shell().status = 256;
@@ -35,8 +34,7 @@ TEST_F(Connection, WanResetWritesSevenKeysInOrderAndEndsTheDhcpClient) {
     EXPECT_EQ(Shell().commands, std::vector<std::string>{"killall -9 udhcpc "});
 }
 
-// --- connection state
-// -------------------------------------------------------------------------------------------------
+// --- connection state ------------------------------------------------------------------------------------
 
 TEST_F(Connection, DownWithoutUserActionAsksForANewConnection) {
     for (const char* action : {"", "0", "2", "11"}) {
@@ -116,8 +114,7 @@ TEST_F(Connection, StateThatCannotBeSent) {
     EXPECT_EQ(Platform().Get("zconstat_up_result"), "0");
 }
 
-// --- addresses
-// --------------------------------------------------------------------------------------------------------
+// --- addresses -------------------------------------------------------------------------------------------
 
 TEST_F(Connection, AddressesAreReported) {
     EXPECT_EQ(on_recieve_at_process_zgipdns(
@@ -184,8 +181,7 @@ TEST_F(Connection, AddressesNullSendsNothing) {
     ExpectNothingSent();
 }
 
-// --- cell measurement
-// -------------------------------------------------------------------------------------------------
+// --- cell measurement ------------------------------------------------------------------------------------
 
 TEST_F(Connection, CellMeasurementStoresThreeFieldsAndStopsTheReport) {
     zemci_resolve("\r\n+ZEMCI: 0A1B2C,2,1F2E,4,5,6,7,8,9,10,-11,12\r\n");
@@ -241,8 +237,7 @@ TEST_F(Connection, CellMeasurementNullIsLogged) {
     EXPECT_TRUE(Platform().writes.empty());
 }
 
-// --- SIM toolkit
-// ------------------------------------------------------------------------------------------------------
+// --- SIM toolkit -----------------------------------------------------------------------------------------
 
 TEST_F(Connection, ToolkitEndIsMarked) {
     EXPECT_EQ(stk_end_mark(), 0);
