@@ -11,7 +11,7 @@ namespace {
 
 std::mutex g_lock;
 
-void Record(int priority, const char* format, va_list arguments) {
+__attribute__((format(printf, 2, 0))) void Record(int priority, const char* format, va_list arguments) {
     static thread_local std::string buffer(300'000, '\0');
     int length = vsnprintf(buffer.data(), buffer.size(), format, arguments);
     if (length < 0) length = 0;
@@ -46,7 +46,8 @@ void ClearLog() {
 bool Logged(const std::string& text, const char* module, int level) {
     std::lock_guard<std::mutex> hold(g_lock);
     for (const LogLine& line : LoggedLines())
-        if (line.text == text && (module == nullptr || line.module == module) && (level < 0 || line.level == level))
+        if (line.text == text && (module == nullptr || line.module == module) &&
+            (level < 0 || line.level == level))
             return true;
     return false;
 }
@@ -66,7 +67,8 @@ extern "C" void syslog(int priority, const char* format, ...) {
     va_end(arguments);
 }
 
-extern "C" void __syslog_chk(int priority, int, const char* format, ...) {
+extern "C" __attribute__((format(printf, 3, 4))) void __syslog_chk(int priority, int, const char* format,
+                                                                   ...) {
     va_list arguments;
     va_start(arguments, format);
     Record(priority, format, arguments);
