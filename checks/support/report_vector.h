@@ -13,19 +13,19 @@
 #include "checks/support/modem_pipe.h"
 
 // The bytes of a record, field by field, in the byte order of the machine.
-class Bytes {
+class ReportBytes {
   public:
-    Bytes& Int(int32_t value) {
+    ReportBytes& Int(int32_t value) {
         bytes_.append(reinterpret_cast<const char*>(&value), sizeof value);
         return *this;
     }
     // A text in an array of `size` bytes, zero-padded.
-    Bytes& Text(const std::string& text, size_t size) {
+    ReportBytes& Text(const std::string& text, size_t size) {
         EXPECT_LT(text.size(), size);
         bytes_.append(text).append(size - text.size(), '\0');
         return *this;
     }
-    Bytes& Zeros(size_t count) {
+    ReportBytes& Zeros(size_t count) {
         bytes_.append(count, '\0');
         return *this;
     }

@@ -9,7 +9,7 @@ namespace {
 class Broadcast : public ReportVectors {
   protected:
     static std::string Page(int32_t length, const std::string& pdu) {
-        return Bytes().Int(length).Text(pdu, 508).str();
+        return ReportBytes().Int(length).Text(pdu, 508).str();
     }
     void ExpectCbm(int32_t length, const std::string& pdu) {
         ExpectReport(0x100a, 0x0115, 1, Page(length, pdu));

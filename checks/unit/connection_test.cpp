@@ -22,7 +22,7 @@ Writes operator+(Writes left, const Writes& right) {
 
 class Connection : public ReportVectors {
   protected:
-    void ExpectState(int32_t stat) { ExpectReport(0x1022, 0x0625, 1, Bytes().Int(stat).str()); }
+    void ExpectState(int32_t stat) { ExpectReport(0x1022, 0x0625, 1, ReportBytes().Int(stat).str()); }
 };
 
 // --- WAN reset -------------------------------------------------------------------------------------------
@@ -121,7 +121,7 @@ TEST_F(Connection, AddressesAreReported) {
                   "+ZGIPDNS: 1,2,\"IP\",\"10.0.0.2\",\"10.0.0.1\",\"192.0.2.1\",\"192.0.2.2\""),
               0);
     ExpectReport(0x1022, 0x0627, 1,
-                 Bytes()
+                 ReportBytes()
                      .Int(1)
                      .Int(2)
                      .Text("IP", 10)
@@ -139,7 +139,7 @@ TEST_F(Connection, AddressesAreReported) {
 TEST_F(Connection, EmptyAddressKeepsItsMarker) {
     EXPECT_EQ(on_recieve_at_process_zgipdns("+ZGIPDNS: 1,2,\"IP\",\"\",\"b\",\"c\",\"d\""), 0);
     ExpectReport(0x1022, 0x0627, 1,
-                 Bytes()
+                 ReportBytes()
                      .Int(1)
                      .Int(2)
                      .Text("IP", 10)
@@ -153,27 +153,34 @@ TEST_F(Connection, EmptyAddressKeepsItsMarker) {
 
 TEST_F(Connection, MissingAddressesAreZero) {
     EXPECT_EQ(on_recieve_at_process_zgipdns("+ZGIPDNS: 1,2"), 0);
-    ExpectReport(0x1022, 0x0627, 1, Bytes().Int(1).Int(2).Zeros(252).str());
+    ExpectReport(0x1022, 0x0627, 1, ReportBytes().Int(1).Int(2).Zeros(252).str());
     EXPECT_EQ(on_recieve_at_process_zgipdns(""), 0);
-    ExpectReport(0x1022, 0x0627, 1, Bytes().Zeros(260).str());
+    ExpectReport(0x1022, 0x0627, 1, ReportBytes().Zeros(260).str());
 }
 
 TEST_F(Connection, AddressOf59CharactersFitsAndALongerOneRunsIntoTheNextField) {
     const std::string full(59, 'a');
     EXPECT_EQ(on_recieve_at_process_zgipdns(("+ZGIPDNS: 1,2,\"IP\",\"" + full + "\",\"b\"").c_str()), 0);
     ExpectReport(0x1022, 0x0627, 1,
-                 Bytes().Int(1).Int(2).Text("IP", 10).Text(full, 60).Text("b", 60).Zeros(122).str());
+                 ReportBytes().Int(1).Int(2).Text("IP", 10).Text(full, 60).Text("b", 60).Zeros(122).str());
     EXPECT_EQ(on_recieve_at_process_zgipdns(("+ZGIPDNS: 1,2,\"IP\",\"" + full + "xy\",\"b\"").c_str()), 0);
-    ExpectReport(
-        0x1022, 0x0627, 1,
-        Bytes().Int(1).Int(2).Text("IP", 10).Text(full, 60).Text("xy", 60).Text("b", 60).Zeros(62).str());
+    ExpectReport(0x1022, 0x0627, 1,
+                 ReportBytes()
+                     .Int(1)
+                     .Int(2)
+                     .Text("IP", 10)
+                     .Text(full, 60)
+                     .Text("xy", 60)
+                     .Text("b", 60)
+                     .Zeros(62)
+                     .str());
 }
 
 TEST_F(Connection, AddressTextIsCutAt511Characters) {
     // Blanks up to character 510, then "12": only the "1" is read.
     const std::string text = "+ZGIPDNS: " + std::string(500, ' ') + "12";
     EXPECT_EQ(on_recieve_at_process_zgipdns(text.c_str()), 0);
-    ExpectReport(0x1022, 0x0627, 1, Bytes().Int(1).Zeros(256).str());
+    ExpectReport(0x1022, 0x0627, 1, ReportBytes().Int(1).Zeros(256).str());
 }
 
 TEST_F(Connection, AddressesNullSendsNothing) {

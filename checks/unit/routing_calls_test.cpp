@@ -70,7 +70,7 @@ TEST_F(Routing, FullTextWithoutTerminatorIsBounded) {
     ExpectNothingSent();
     text.replace(626, 8, "+CREG: 5");
     Route(text);
-    ExpectReport(kSim, 0x052D, 6, Bytes().Int(5).Zeros(32).str());
+    ExpectReport(kSim, 0x052D, 6, ReportBytes().Int(5).Zeros(32).str());
 }
 
 TEST_F(Routing, TextBehindANulIsNotLookedAt) {
@@ -124,56 +124,58 @@ TEST_F(Routing, AfterAnyOtherAnswerReportsAreRoutedByTheirText) {
 // --- rows 1 to 4: SIM refresh and new messages -----------------------------------------------------------
 
 TEST_F(Routing, ZrefreshCarriesFileIdAndText) {
-    ExpectRecord("+ZREFRESH: \"6F07\",\"abc\"", kSms, 0x011A, 1, Bytes().Text("6F07", 36).Text("abc", 36));
-    ExpectRecord("ZREFRESH: 1 2", kSms, 0x011A, 1, Bytes().Text("1", 36).Text("2", 36));
+    ExpectRecord("+ZREFRESH: \"6F07\",\"abc\"", kSms, 0x011A, 1,
+                 ReportBytes().Text("6F07", 36).Text("abc", 36));
+    ExpectRecord("ZREFRESH: 1 2", kSms, 0x011A, 1, ReportBytes().Text("1", 36).Text("2", 36));
 }
 
 TEST_F(Routing, ZrefreshTextsAreCutAt32Characters) {
     const std::string full(32, 'a');
-    ExpectRecord("ZREFRESH: " + full + ",b", kSms, 0x011A, 1, Bytes().Text(full, 36).Text("b", 36));
-    ExpectRecord("ZREFRESH: " + full + "x,b", kSms, 0x011A, 1, Bytes().Text(full, 36).Text("x", 36));
+    ExpectRecord("ZREFRESH: " + full + ",b", kSms, 0x011A, 1, ReportBytes().Text(full, 36).Text("b", 36));
+    ExpectRecord("ZREFRESH: " + full + "x,b", kSms, 0x011A, 1, ReportBytes().Text(full, 36).Text("x", 36));
 }
 
 TEST_F(Routing, ZrefreshWithoutFieldsIsSentEmpty) {
-    ExpectRecord("ZREFRESH: ", kSms, 0x011A, 1, Bytes().Zeros(72));
+    ExpectRecord("ZREFRESH: ", kSms, 0x011A, 1, ReportBytes().Zeros(72));
     ExpectDropped("ZREFRESH:1,2");
 }
 
 TEST_F(Routing, CmtiCarriesMemoryAndIndex) {
-    ExpectRecord("\r\n+CMTI: \"SM\",8\r\n", kSms, 0x0110, 1, Bytes().Text("SM", 12).Int(8));
+    ExpectRecord("\r\n+CMTI: \"SM\",8\r\n", kSms, 0x0110, 1, ReportBytes().Text("SM", 12).Int(8));
     EXPECT_TRUE(Logged("tPara.memory:SM    tPara.index:8 ", "response"));
-    ExpectRecord("+CMTI: \"SM\"", kSms, 0x0110, 1, Bytes().Text("SM", 12).Int(0));
-    ExpectRecord("+CMTI: \"SM\",99999999999", kSms, 0x0110, 1, Bytes().Text("SM", 12).Int(INT32_MAX));
+    ExpectRecord("+CMTI: \"SM\"", kSms, 0x0110, 1, ReportBytes().Text("SM", 12).Int(0));
+    ExpectRecord("+CMTI: \"SM\",99999999999", kSms, 0x0110, 1, ReportBytes().Text("SM", 12).Int(INT32_MAX));
     ExpectRecord("+CMTI: " + std::string(10, 'm') + " 3", kSms, 0x0110, 1,
-                 Bytes().Text(std::string(10, 'm'), 12).Int(3));
+                 ReportBytes().Text(std::string(10, 'm'), 12).Int(3));
     ExpectRecord("+CMTI: " + std::string(11, 'm') + " 3", kSms, 0x0110, 1,
-                 Bytes().Text(std::string(10, 'm'), 12).Int(0));
+                 ReportBytes().Text(std::string(10, 'm'), 12).Int(0));
     ExpectDropped("+CMTI:\"SM\",8");
 }
 
 TEST_F(Routing, CmtiKeepsTheMarkersOfItsMemory) {
-    ExpectRecord("+CMTI: \"\",8", kSms, 0x0110, 1, Bytes().Text("\xFD", 12).Int(8));
-    ExpectRecord("+CMTI: \"S M\",8", kSms, 0x0110, 1, Bytes().Text("S\xFEM", 12).Int(8));
+    ExpectRecord("+CMTI: \"\",8", kSms, 0x0110, 1, ReportBytes().Text("\xFD", 12).Int(8));
+    ExpectRecord("+CMTI: \"S M\",8", kSms, 0x0110, 1, ReportBytes().Text("S\xFEM", 12).Int(8));
 }
 
 TEST_F(Routing, ZvmtiCarriesMemoryAndIndex) {
-    ExpectRecord("+ZVMTI: \"ME\",3", kSms, 0x0117, 1, Bytes().Text("ME", 12).Int(3));
+    ExpectRecord("+ZVMTI: \"ME\",3", kSms, 0x0117, 1, ReportBytes().Text("ME", 12).Int(3));
     ExpectDropped("+ZVMT: \"ME\",3");
 }
 
 TEST_F(Routing, CdsiCarriesMemoryAndIndex) {
-    ExpectRecord("+CDSI: \"SR\",51", kSms, 0x0112, 1, Bytes().Text("SR", 12).Int(51));
+    ExpectRecord("+CDSI: \"SR\",51", kSms, 0x0112, 1, ReportBytes().Text("SR", 12).Int(51));
     ExpectDropped("+CDS: 26");
 }
 
 TEST_F(Routing, EarlierRowWinsWhereverItStands) {
-    ExpectRecord("+CMTI: \"SM\",8;ZREFRESH: a b", kSms, 0x011A, 1, Bytes().Text("a", 36).Text("b", 36));
-    ExpectRecord("+CDSI: \"SR\",1;+ZVMTI: \"ME\",2", kSms, 0x0117, 1, Bytes().Text("ME", 12).Int(2));
+    ExpectRecord("+CMTI: \"SM\",8;ZREFRESH: a b", kSms, 0x011A, 1, ReportBytes().Text("a", 36).Text("b", 36));
+    ExpectRecord("+CDSI: \"SR\",1;+ZVMTI: \"ME\",2", kSms, 0x0117, 1, ReportBytes().Text("ME", 12).Int(2));
 }
 
 TEST_F(Routing, RecordIsReadFromTheFirstPlaceOfTheLiteralOutsideQuotes) {
-    ExpectRecord("\"+CREG: 9\",+CREG: 1", kSim, 0x052D, 6, Bytes().Int(1).Zeros(32));
-    ExpectRecord("+CREG: 1 ;+CREG: 2", kSim, 0x052D, 6, Bytes().Int(1).Text(";+CREG:", 16).Text("2", 16));
+    ExpectRecord("\"+CREG: 9\",+CREG: 1", kSim, 0x052D, 6, ReportBytes().Int(1).Zeros(32));
+    ExpectRecord("+CREG: 1 ;+CREG: 2", kSim, 0x052D, 6,
+                 ReportBytes().Int(1).Text(";+CREG:", 16).Text("2", 16));
 }
 
 // --- rows 5 to 7: messages being sent --------------------------------------------------------------------
@@ -185,7 +187,7 @@ TEST_F(Routing, ResponseOfCmgsIsForwarded) {
     EXPECT_EQ(modem_.Written(), "");
     // The new-message rows stand before it.
     Route("+CMTI: \"SM\",8", {}, 0x0108);
-    ExpectReport(kSms, 0x0110, 1, Bytes().Text("SM", 12).Int(8).str());
+    ExpectReport(kSms, 0x0110, 1, ReportBytes().Text("SM", 12).Int(8).str());
     // The response's id decides, not what is pending.
     ClearPendingRequest();
     Route("RING", {}, 0x0108);
@@ -225,13 +227,13 @@ TEST_F(Routing, PduOfAnyLength) {
 
 TEST_F(Routing, PduWithoutTerminatorEndsWithItsArray) {
     // What a requester wrote behind the record must not reach the modem.
-    Pending(0x0108, Bytes().Int(1).str() + std::string(628, 'B'));
+    Pending(0x0108, ReportBytes().Int(1).str() + std::string(628, 'B'));
     Route("> ");
     EXPECT_EQ(modem_.Written(), std::string(500, 'B') + "\x1A");
     Pending(0x0108, CmgsParas(1, std::string(501, 'B')));
     Route("> ");
     EXPECT_EQ(modem_.Written(), std::string(500, 'B') + "\x1A");
-    Pending(0x010A, Bytes().Int(1).Int(2).str() + std::string(624, 'B'));
+    Pending(0x010A, ReportBytes().Int(1).Int(2).str() + std::string(624, 'B'));
     Route("> ");
     EXPECT_EQ(modem_.Written(), std::string(500, 'B') + "\x1A");
 }
@@ -249,7 +251,7 @@ TEST_F(Routing, WhileCmgsIsPendingEveryLaterReportWritesThePduAgain) {
 
 TEST_F(Routing, WhileCmgsIsPendingNewMessageRowsStandFirst) {
     Pending(0x0108, CmgsParas(1, "AA"));
-    ExpectRecord("+CMTI: \"SM\",8", kSms, 0x0110, 1, Bytes().Text("SM", 12).Int(8));
+    ExpectRecord("+CMTI: \"SM\",8", kSms, 0x0110, 1, ReportBytes().Text("SM", 12).Int(8));
     EXPECT_EQ(modem_.Written(), "");
 }
 

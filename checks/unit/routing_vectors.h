@@ -57,7 +57,7 @@ class Routing : public ReportVectors {
         ClearPendingRequest();
     }
     void ExpectRecord(const std::string& text, uint16_t target, uint16_t id, uint8_t type,
-                      const Bytes& record) {
+                      const ReportBytes& record) {
         SCOPED_TRACE(text);
         Route(text);
         ExpectReport(target, id, type, record.str());
@@ -71,10 +71,11 @@ class Routing : public ReportVectors {
     }
 
     static std::string CmgsParas(int32_t length, const std::string& pdu) {
-        return Bytes().Int(length).str() + pdu + std::string(500 - std::min<size_t>(500, pdu.size()), '\0');
+        return ReportBytes().Int(length).str() + pdu +
+               std::string(500 - std::min<size_t>(500, pdu.size()), '\0');
     }
     static std::string CmgwParas(int32_t length, int32_t status, const std::string& pdu) {
-        return Bytes().Int(length).str() + CmgsParas(status, pdu);
+        return ReportBytes().Int(length).str() + CmgsParas(status, pdu);
     }
 };
 
