@@ -1,0 +1,304 @@
+#include "tools/modemsim/engine.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace modemsim {
+
+namespace {
+
+constexpr char kSubmit = '\x1A';  // ends the text after a prompt
+constexpr char kCancel = '\x1B';
+constexpr std::size_t kPacedPiece = 64;  // bytes, where a pace is given but no sizes
+constexpr std::size_t kNoGroup = static_cast<std::size_t>(-1);
+
+std::vector<Step> TextOnly(std::string text) {
+    Step step;
+    step.text = std::move(text);
+    return {step};
+}
+
+const std::vector<Step>& ErrorAnswer() {
+    static const std::vector<Step> steps = TextOnly("\r\nERROR\r\n");
+    return steps;
+}
+
+const std::vector<Step>& CancelAnswer() {
+    static const std::vector<Step> steps = TextOnly("\r\nOK\r\n");
+    return steps;
+}
+
+}  // namespace
+
+Engine::Engine(Scenario scenario, Note note)
+    : scenario_(std::move(scenario)),
+      note_(std::move(note)),
+      echo_(scenario_.echo),
+      used_(scenario_.groups.size()) {}
+
+void Engine::Say(const std::string& text) const {
+    if (note_) note_(text);
+}
+
+void Engine::Start(Time now) {
+    if (!scenario_.clock_at_first_line) {
+        clock_runs_ = true;
+        StartReports(now, nullptr);
+    }
+}
+
+void Engine::Receive(std::string_view bytes, Time now) {
+    Run(now);
+    for (const char c : bytes)
+        Character(c, now);
+    Run(now);
+}
+
+void Engine::Character(char c, Time now) {
+    if (unplugged_) return;
+    const bool body = BodyTaker() != nullptr;
+    if (c == kSubmit || c == kCancel) {
+        if (body) {
+            EndBody(c == kSubmit, now);
+        } else if (!input_.empty()) {
+            Say("a message text without a prompt is dropped");
+        }
+        input_.clear();
+        return;
+    }
+    if (!body && c == '\r') {
+        Line(now);
+        return;
+    }
+    // A host that ends its lines with both leaves a line feed in front of the next one.
+    if (!body && c == '\n' && input_.empty()) return;
+    if (input_.size() <= kMaxInput) input_ += c;
+}
+
+void Engine::Line(Time now) {
+    std::string line = std::exchange(input_, {});
+    if (line.empty()) return;
+    if (line.size() > kMaxInput)
+        Say("a command line longer than " + std::to_string(kMaxInput) + " characters");
+    if (!clock_runs_) {
+        clock_runs_ = true;
+        StartReports(now, nullptr);
+    }
+    for (Job& job : jobs_) {
+        if (!job.report) continue;
+        const auto& until = scenario_.reports[*job.report].until;
+        if (std::any_of(until.begin(), until.end(), [&](const Pattern& p) { return p.Matches(line); }))
+            job.done = true;
+    }
+    std::erase_if(jobs_, [](const Job& job) { return job.done; });
+    if (!answering_) {
+        Answer(line, now);
+    } else if (lines_.size() < kMaxWaitingLines) {
+        lines_.push_back(std::move(line));
+    } else {
+        Say("too many lines during an answer, dropped: " + line);
+    }
+}
+
+std::size_t Engine::FindGroup(const std::string& line) const {
+    std::size_t best = kNoGroup;
+    for (std::size_t i = 0; i < scenario_.groups.size(); ++i) {
+        const Pattern& pattern = scenario_.groups[i].pattern;
+        if (!pattern.Matches(line)) continue;
+        if (pattern.Exact()) return i;
+        if (best == kNoGroup || pattern.Fixed() > scenario_.groups[best].pattern.Fixed()) best = i;
+    }
+    return best;
+}
+
+void Engine::Answer(const std::string& line, Time now) {
+    Job job;
+    job.line = line;
+    job.due = now;
+    job.pieces = scenario_.pieces;
+    if (echo_) {
+        job.lead = line + "\r";
+    } else {
+        job.due += scenario_.latency;
+    }
+    const std::size_t group = line.size() <= kMaxInput ? FindGroup(line) : kNoGroup;
+    if (group == kNoGroup) {
+        Say("no rule");
+        job.steps = &ErrorAnswer();
+    } else {
+        const auto& rules = scenario_.groups[group].rules;
+        const Rule& rule = rules[used_[group]];
+        if (used_[group] + 1 < rules.size()) ++used_[group];
+        Say("rule " + scenario_.Describe(rule.place));
+        job.steps = &rule.steps;
+    }
+    answering_ = true;
+    jobs_.push_back(std::move(job));
+}
+
+Engine::Job* Engine::BodyTaker() {
+    const auto job = std::find_if(jobs_.begin(), jobs_.end(), [](const Job& j) { return j.awaits_body; });
+    return job == jobs_.end() ? nullptr : &*job;
+}
+
+void Engine::EndBody(bool send, Time now) {
+    Job& job = *BodyTaker();
+    job.awaits_body = false;
+    if (input_.size() > kMaxInput)
+        Say("a message text longer than " + std::to_string(kMaxInput) + " characters");
+    if (echo_) job.lead = input_;
+    job.due = now + (job.lead.empty() ? scenario_.latency : Time(0));
+    if (!send) {
+        Say("the message text is cancelled");
+        job.steps = &CancelAnswer();
+        job.next = 0;
+        job.line.clear();
+    }
+}
+
+void Engine::StartReports(Time now, const std::string* line) {
+    for (std::size_t i = 0; i < scenario_.reports.size(); ++i) {
+        const Report& report = scenario_.reports[i];
+        if (line == nullptr ? !report.after : report.after && report.after->Matches(*line))
+            StartReport(i, now);
+    }
+}
+
+void Engine::StartReport(std::size_t index, Time now) {
+    const Report& report = scenario_.reports[index];
+    // A repeated one begins anew: the line that starts it twice must not double it.
+    if (report.every.count() != 0) std::erase_if(jobs_, [&](const Job& job) { return job.report == index; });
+    Job job;
+    job.steps = &report.steps;
+    job.due = now + report.delay;
+    job.begun = job.due;
+    job.pieces = scenario_.pieces;
+    job.report = index;
+    job.times = 1;
+    jobs_.push_back(std::move(job));
+}
+
+std::optional<Time> Engine::NextTime() const {
+    if (!wire_.empty()) return wire_.front().due;
+    if (unplugged_) return std::nullopt;
+    std::optional<Time> next;
+    for (const Job& job : jobs_) {
+        const Time due = std::max(job.due, wire_free_);
+        if (!job.awaits_body && (!next || due < *next)) next = due;
+    }
+    return next;
+}
+
+std::optional<Piece> Engine::Take(Time now) {
+    Run(now);
+    if (wire_.empty() || wire_.front().due > now) return std::nullopt;
+    Piece piece = std::move(wire_.front());
+    wire_.pop_front();
+    const Time late = now - piece.due;
+    for (Piece& waiting : wire_)
+        waiting.due += late;
+    if (!wire_.empty()) wire_free_ += late;
+    return piece;
+}
+
+void Engine::Run(Time now) {
+    // A text goes out whole before anything else may: what is under way is taken first.
+    while (wire_.empty() && !unplugged_) {
+        Job* first = nullptr;
+        Time at{0};
+        for (Job& job : jobs_) {
+            const Time due = std::max(job.due, wire_free_);
+            if (!job.awaits_body && (first == nullptr || due < at || (due == at && job.due < first->due))) {
+                first = &job;
+                at = due;
+            }
+        }
+        if (first == nullptr || at > now) return;
+        RunStep(*first, at);
+    }
+}
+
+void Engine::RunStep(Job& job, Time at) {
+    if (!job.lead.empty()) {
+        Put(std::exchange(job.lead, {}), job.pieces, at);
+        job.due = wire_free_ + scenario_.latency;
+        return;
+    }
+    if (job.next == job.steps->size()) {
+        Finish(job, at);
+        return;
+    }
+    const Step& step = (*job.steps)[job.next++];
+    job.due = at;
+    switch (step.kind) {
+        case Step::Kind::Text:
+            Put(step.text, job.pieces, at);
+            job.due = wire_free_;
+            break;
+        case Step::Kind::Wait:
+            job.due = at + step.wait;
+            break;
+        case Step::Kind::Pieces:
+            job.pieces = step.pieces;
+            break;
+        case Step::Kind::Echo:
+            echo_ = step.on;
+            break;
+        case Step::Kind::Prompt:
+            Put("\r\n> ", job.pieces, at);
+            job.awaits_body = true;
+            break;
+        case Step::Kind::Unplug:
+            unplugged_ = true;
+            break;
+    }
+}
+
+void Engine::Finish(Job& job, Time at) {
+    if (job.report) {
+        const Report& report = scenario_.reports[*job.report];
+        if (report.every.count() == 0 || (report.times != 0 && job.times == report.times)) {
+            job.done = true;
+        } else {
+            ++job.times;
+            job.next = 0;
+            job.pieces = scenario_.pieces;
+            job.begun = std::max(job.begun + report.every, at);
+            job.due = job.begun;
+        }
+        std::erase_if(jobs_, [](const Job& j) { return j.done; });
+        return;
+    }
+    const std::string line = std::move(job.line);
+    job.done = true;
+    std::erase_if(jobs_, [](const Job& j) { return j.done; });
+    answering_ = false;
+    if (!line.empty()) StartReports(at, &line);
+    if (!lines_.empty()) {
+        const std::string next = std::move(lines_.front());
+        lines_.pop_front();
+        Answer(next, at);
+    }
+}
+
+void Engine::Put(const std::string& text, const Pieces& pieces, Time at) {
+    const auto on_line = [this](std::size_t bytes) {
+        if (scenario_.pace == 0) return Time(0);
+        return Time(static_cast<Time::rep>(bytes * std::uint64_t{1'000'000} / scenario_.pace));
+    };
+    std::size_t from = 0;
+    for (std::size_t n = 0; from < text.size(); ++n) {
+        std::size_t size = text.size() - from;
+        if (!pieces.sizes.empty())
+            size = std::min(size, pieces.sizes[std::min(n, pieces.sizes.size() - 1)]);
+        else if (scenario_.pace != 0)
+            size = std::min(size, kPacedPiece);
+        if (n > 0 && !pieces.sizes.empty()) at += pieces.gap;
+        at += on_line(size);
+        wire_.push_back({at, text.substr(from, size)});
+        from += size;
+    }
+    wire_free_ = at;
+}
+
+}  // namespace modemsim
