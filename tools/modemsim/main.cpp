@@ -139,7 +139,16 @@ int Start(const Options& options) {
     modemsim::ParseResult parsed = modemsim::LoadScenario(modemsim::FindScenario(options.scenario));
     for (const modemsim::Problem& problem : parsed.problems)
         std::fprintf(stderr, "%s\n", problem.Text().c_str());
-    if (!parsed.Ok()) return kMisuse;
+    if (!parsed.Ok()) {
+        // Nothing was read at all: the name may have been meant for a shipped one.
+        if (parsed.scenario.files.empty()) {
+            std::string names;
+            for (const std::string& name : modemsim::ShippedScenarios())
+                names += " " + name;
+            std::fprintf(stderr, "shipped scenarios:%s\n", names.c_str());
+        }
+        return kMisuse;
+    }
     if (options.check) {
         std::printf("%s: %zu rules for %zu command lines, %zu reports\n",
                     parsed.scenario.files.front().c_str(), parsed.scenario.RuleCount(),
