@@ -104,9 +104,8 @@ std::size_t Engine::FindGroup(const std::string& line) const {
     std::size_t best = kNoGroup;
     for (std::size_t i = 0; i < scenario_.groups.size(); ++i) {
         const Pattern& pattern = scenario_.groups[i].pattern;
-        if (!pattern.Matches(line)) continue;
-        if (pattern.Exact()) return i;
-        if (best == kNoGroup || pattern.Fixed() > scenario_.groups[best].pattern.Fixed()) best = i;
+        if (pattern.Matches(line) && (best == kNoGroup || pattern.CloserThan(scenario_.groups[best].pattern)))
+            best = i;
     }
     return best;
 }
@@ -157,9 +156,18 @@ void Engine::EndBody(bool send, Time now) {
 }
 
 void Engine::StartReports(Time now, const std::string* line) {
-    for (std::size_t i = 0; i < scenario_.reports.size(); ++i) {
-        const Report& report = scenario_.reports[i];
-        if (line == nullptr ? !report.after : report.after && report.after->Matches(*line))
+    const auto& reports = scenario_.reports;
+    // As with rules the closest line decides; all reports after it begin.
+    std::size_t best = reports.size();
+    for (std::size_t i = 0; line != nullptr && i < reports.size(); ++i) {
+        if (reports[i].after && reports[i].after->Matches(*line) &&
+            (best == reports.size() || reports[i].after->CloserThan(*reports[best].after)))
+            best = i;
+    }
+    if (line != nullptr && best == reports.size()) return;
+    for (std::size_t i = 0; i < reports.size(); ++i) {
+        if (line == nullptr ? !reports[i].after
+                            : reports[i].after && reports[i].after->Same(*reports[best].after))
             StartReport(i, now);
     }
 }

@@ -58,4 +58,8 @@ bool Pattern::Matches(std::string_view line) const {
     return true;
 }
 
+bool Pattern::CloserThan(const Pattern& other) const {
+    return Exact() != other.Exact() ? Exact() : fixed_ > other.fixed_;
+}
+
 }  // namespace modemsim

@@ -21,16 +21,18 @@ class Pattern {
 
     // The text as it was written.
     const std::string& Text() const { return text_; }
-    // True without a star: such a rule comes before every pattern.
-    bool Exact() const { return parts_.size() == 1; }
-    // Characters outside stars; of several patterns that match, the one with the most of them answers.
-    std::size_t Fixed() const { return fixed_; }
+    // Which of two that match answers: the exact line, else the one with more characters outside stars.
+    bool CloserThan(const Pattern& other) const;
+    // The same text, whatever the case of its letters.
+    bool Same(const Pattern& other) const { return parts_ == other.parts_; }
 
   private:
+    bool Exact() const { return parts_.size() == 1; }
+
     std::string text_;
     std::vector<std::string>
-        parts_;  // the texts between the stars, in upper case: one more than there are stars
-    std::size_t fixed_ = 0;
+        parts_;              // the texts between the stars, in upper case: one more than there are stars
+    std::size_t fixed_ = 0;  // characters in them
 };
 
 // `text` with a to z in upper case; other bytes stay.

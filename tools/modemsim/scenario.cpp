@@ -26,6 +26,10 @@ std::string Quoted(std::string_view word) {
     return "'" + std::string(word) + "'";
 }
 
+bool IsOneOf(std::span<const std::string_view> words, std::string_view word) {
+    return std::find(words.begin(), words.end(), word) != words.end();
+}
+
 std::string Unknown(std::string_view word, std::span<const std::string_view> known) {
     const std::string_view nearest = Nearest(word, known);
     std::string text = "unknown word " + Quoted(word);
@@ -51,7 +55,7 @@ class Parser {
         std::vector<Step> steps;
         std::vector<Pattern> until;
         std::size_t bytes = 0;
-        bool fresh = true;    // nothing was sent yet
+        bool fresh = true;    // nothing was sent yet, or a pause came after it
         bool broken = false;  // the line break in front of the next line has been sent
         bool silent = false;
         bool prompt = false;
@@ -146,23 +150,22 @@ void Parser::Line(std::string_view line, std::size_t depth) {
         if (!BodyLine(line)) block_->failed = true;
         return;
     }
-    if (line.front() == '|') {
-        Fail("an answer line must be indented below its 'on' or 'report'");
+    const std::string_view word = words.Next();
+    if (!IsOneOf(kTopWords, word) && (word.front() == '|' || IsOneOf(kBodyWords, word))) {
+        if (block_) block_->failed = true;
+        Fail((word.front() == '|' ? "an answer line" : Quoted(word)) +
+             " must be indented below its 'on' or 'report'");
         return;
     }
     CloseBlock();
-    const std::string_view word = words.Next();
-    skip_body_ = false;
-    if (!TopLine(word, words, depth)) skip_body_ = true;
+    skip_body_ = !TopLine(word, words, depth);
 }
 
 bool Parser::TopLine(std::string_view word, Words words, std::size_t depth) {
     if (word == "on") return On(words);
     if (word == "report") return ReportHead(words);
     if (word == "include") return Include(words, depth);
-    if (std::find(kTopWords.begin(), kTopWords.end(), word) != kTopWords.end()) return Setting(word, words);
-    if (std::find(kBodyWords.begin(), kBodyWords.end(), word) != kBodyWords.end())
-        return Fail(Quoted(word) + " must be indented below its 'on' or 'report'");
+    if (IsOneOf(kTopWords, word)) return Setting(word, words);
     return Fail(Unknown(word, kTopWords));
 }
 
@@ -265,9 +268,8 @@ bool Parser::On(Words words) {
     if (result_.scenario.RuleCount() == kMaxRules)
         return Fail("more than " + std::to_string(kMaxRules) + " rules");
     auto& groups = result_.scenario.groups;
-    const std::string key = UpperCase(pattern->Text());
     auto group = std::find_if(groups.begin(), groups.end(),
-                              [&](const RuleGroup& g) { return UpperCase(g.pattern.Text()) == key; });
+                              [&](const RuleGroup& g) { return g.pattern.Same(*pattern); });
     if (group == groups.end()) group = groups.insert(groups.end(), RuleGroup{*pattern, {}});
     // What a file says itself replaces what it included.
     if (!group->rules.empty() && group->rules.front().place.file != here_.file) group->rules.clear();
@@ -319,11 +321,18 @@ bool Parser::ReportHead(Words words) {
     } else if (!timed) {
         return Fail("a report needs a time: 'at TIME', 'every TIME' or 'after LINE'");
     }
-    result_.scenario.reports.push_back(std::move(report));
+    auto& reports = result_.scenario.reports;
+    // As with rules, what a file says itself replaces what it included.
+    if (report.after) {
+        std::erase_if(reports, [&](const Report& r) {
+            return r.after && r.place.file != here_.file && r.after->Same(*report.after);
+        });
+    }
+    reports.push_back(std::move(report));
     block_.emplace();
     block_->place = here_;
     block_->report = true;
-    block_->index = result_.scenario.reports.size() - 1;
+    block_->index = reports.size() - 1;
     return true;
 }
 
@@ -362,6 +371,7 @@ bool Parser::BodyWord(std::string_view word, Words words) {
         const auto time = ReadTime(words.Next(), reason);
         if (!time) return Fail(reason);
         step.kind = Step::Kind::Wait;
+        block_->fresh = true;
         step.wait = *time;
     } else if (word == "pieces") {
         step.kind = Step::Kind::Pieces;
@@ -393,7 +403,7 @@ bool Parser::BodyWord(std::string_view word, Words words) {
     } else if (word == "unplug") {
         block_->unplug = true;
         step.kind = Step::Kind::Unplug;
-    } else if (std::find(kTopWords.begin(), kTopWords.end(), word) != kTopWords.end()) {
+    } else if (IsOneOf(kTopWords, word)) {
         return Fail(Quoted(word) + " must start at the beginning of its line");
     } else {
         return Fail(Unknown(word, kBodyWords));

@@ -20,21 +20,22 @@ std::string Quoted(std::string_view word) {
     return "'" + std::string(word) + "'";
 }
 
-// Insertions, deletions and replacements that turn one word into the other.
+// Insertions, deletions, replacements and swapped neighbours that turn one word into the other.
 std::size_t Distance(std::string_view a, std::string_view b) {
-    std::vector<std::size_t> row(b.size() + 1);
-    for (std::size_t j = 0; j <= b.size(); ++j)
-        row[j] = j;
-    for (std::size_t i = 1; i <= a.size(); ++i) {
-        std::size_t diagonal = row[0];
-        row[0] = i;
-        for (std::size_t j = 1; j <= b.size(); ++j) {
-            const std::size_t replaced = diagonal + (a[i - 1] == b[j - 1] ? 0 : 1);
-            diagonal = row[j];
-            row[j] = std::min({row[j] + 1, row[j - 1] + 1, replaced});
+    std::vector<std::vector<std::size_t>> cost(a.size() + 1, std::vector<std::size_t>(b.size() + 1));
+    for (std::size_t i = 0; i <= a.size(); ++i) {
+        for (std::size_t j = 0; j <= b.size(); ++j) {
+            if (i == 0 || j == 0) {
+                cost[i][j] = i + j;
+                continue;
+            }
+            const std::size_t replaced = cost[i - 1][j - 1] + (a[i - 1] == b[j - 1] ? 0 : 1);
+            cost[i][j] = std::min({cost[i - 1][j] + 1, cost[i][j - 1] + 1, replaced});
+            if (i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1])
+                cost[i][j] = std::min(cost[i][j], cost[i - 2][j - 2] + 1);
         }
     }
-    return row[b.size()];
+    return cost[a.size()][b.size()];
 }
 
 }  // namespace
@@ -179,6 +180,8 @@ std::optional<std::string> ReadQuoted(std::string_view text, std::string& reason
 }
 
 std::string_view Nearest(std::string_view word, std::span<const std::string_view> candidates) {
+    constexpr std::size_t kLongestGuess = 32;  // no keyword is near a longer word
+    if (word.size() > kLongestGuess) return {};
     std::string_view nearest;
     // Up to a third of the letters wrong (at least one): beyond that a guess does more harm than good.
     std::size_t best = std::max<std::size_t>(1, word.size() / 3) + 1;
