@@ -1,0 +1,409 @@
+// The program itself: a real process, a real pty, a real link.
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <signal.h>
+#include <stdlib.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <regex>
+
+namespace {
+
+namespace fs = std::filesystem;
+using Clock = std::chrono::steady_clock;
+constexpr auto kBound = std::chrono::seconds(20);  // of every wait; a loaded machine may need a while
+
+class Directory {
+  public:
+    Directory() {
+        char name[] = "/tmp/modemsim-check-XXXXXX";
+        path_ = mkdtemp(name) == nullptr ? fs::path() : fs::path(name);
+    }
+    ~Directory() {
+        std::error_code error;
+        if (!path_.empty()) fs::remove_all(path_, error);
+    }
+    Directory(const Directory&) = delete;
+    Directory& operator=(const Directory&) = delete;
+
+    std::string File(const std::string& name) const { return (path_ / name).string(); }
+    std::string Write(const std::string& name, const std::string& text) const {
+        std::ofstream(File(name), std::ios::binary) << text;
+        return File(name);
+    }
+
+  private:
+    fs::path path_;
+};
+
+std::string Content(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+bool LinkStands(const std::string& path) {
+    struct stat info = {};
+    return lstat(path.c_str(), &info) == 0;
+}
+
+// Waits until `fd` has something to read. False when the bound is reached.
+bool Readable(int fd, Clock::time_point end) {
+    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(end - Clock::now()).count();
+    pollfd watched = {fd, POLLIN, 0};
+    return left > 0 && poll(&watched, 1, static_cast<int>(left)) > 0;
+}
+
+// Reads until the text ends with `ending`, the other side is gone, or the bound is reached.
+std::string ReadUntil(int fd, const std::string& ending) {
+    std::string text;
+    const auto end = Clock::now() + kBound;
+    while (!text.ends_with(ending) && Readable(fd, end)) {
+        char buffer[4096];
+        const ssize_t count = read(fd, buffer, sizeof buffer);
+        if (count <= 0) break;
+        text.append(buffer, static_cast<std::size_t>(count));
+    }
+    return text;
+}
+
+class Program {
+  public:
+    // With `ready_fd` the child finds the descriptor's number as it is here.
+    explicit Program(std::vector<std::string> arguments, int ready_fd = -1) {
+        int out[2];
+        int err[2];
+        if (pipe2(out, O_CLOEXEC) != 0 || pipe2(err, O_CLOEXEC) != 0) abort();
+        arguments.insert(arguments.begin(), MODEMSIM_PROGRAM);
+        std::vector<char*> pointers;
+        for (std::string& argument : arguments)
+            pointers.push_back(argument.data());
+        pointers.push_back(nullptr);
+        pid_ = fork();
+        if (pid_ == 0) {
+            dup2(out[1], STDOUT_FILENO);
+            dup2(err[1], STDERR_FILENO);
+            if (ready_fd >= 0) fcntl(ready_fd, F_SETFD, 0);
+            execv(pointers[0], pointers.data());
+            _exit(127);
+        }
+        close(out[1]);
+        close(err[1]);
+        out_ = out[0];
+        err_ = err[0];
+    }
+    ~Program() {
+        if (pid_ > 0) {
+            kill(pid_, SIGKILL);
+            waitpid(pid_, nullptr, 0);
+        }
+        close(out_);
+        close(err_);
+    }
+    Program(const Program&) = delete;
+    Program& operator=(const Program&) = delete;
+
+    std::string OutLine() { return ReadUntil(out_, "\n"); }
+    std::string Out() { return ReadUntil(out_, std::string("\0", 1)); }
+    std::string Err() { return ReadUntil(err_, std::string("\0", 1)); }
+    void Signal(int number) { kill(pid_, number); }
+
+    // The exit status, 128 and more for a signal, -1 when the bound is reached.
+    int Status() {
+        const auto end = Clock::now() + kBound;
+        while (Clock::now() < end) {
+            int status = 0;
+            if (waitpid(pid_, &status, WNOHANG) == pid_) {
+                pid_ = -1;
+                return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+            }
+            poll(nullptr, 0, 2);
+        }
+        return -1;
+    }
+
+  private:
+    pid_t pid_ = -1;
+    int out_ = -1;
+    int err_ = -1;
+};
+
+// The host's end of the modem.
+class Host {
+  public:
+    explicit Host(const std::string& link) : fd_(open(link.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC)) {}
+    ~Host() { close(fd_); }
+    Host(const Host&) = delete;
+    Host& operator=(const Host&) = delete;
+
+    int Fd() const { return fd_; }
+    void Send(const std::string& text) const {
+        ASSERT_EQ(write(fd_, text.data(), text.size()), static_cast<ssize_t>(text.size()));
+    }
+    std::string Ask(const std::string& text, const std::string& ending) const {
+        Send(text);
+        return ReadUntil(fd_, ending);
+    }
+
+  private:
+    int fd_;
+};
+
+constexpr char kScript[] = "on AT\n    | OK\n";
+
+TEST(Modemsim, LinkStandsLineIsAnsweredAndTheSignalRemovesIt) {
+    for (const int number : {SIGTERM, SIGINT, SIGHUP}) {
+        Directory directory;
+        const std::string link = directory.File("modem");
+        Program modem({directory.Write("a.modem", kScript), "--link", link});
+        ASSERT_EQ(modem.OutLine(), "ready " + link + "\n");
+        EXPECT_TRUE(fs::is_symlink(link));
+        EXPECT_EQ(Host(link).Ask("AT\r", "OK\r\n"), "\r\nOK\r\n");
+        EXPECT_EQ(Host(link).Ask("ATX\r", "ERROR\r\n"), "\r\nERROR\r\n");
+        modem.Signal(number);
+        EXPECT_EQ(modem.Status(), 0);
+        EXPECT_FALSE(LinkStands(link));
+    }
+}
+
+TEST(Modemsim, DefaultScenarioIsFoundWithoutAName) {
+    Directory directory;
+    const std::string link = directory.File("modem");
+    Program modem({"--link", link});
+    ASSERT_EQ(modem.OutLine(), "ready " + link + "\n");
+    EXPECT_EQ(Host(link).Ask("AT+CPIN?\r", "OK\r\n"), "\r\n+CPIN: READY\r\n\r\nOK\r\n");
+}
+
+TEST(Modemsim, NothingIsTranslatedOrEchoedOnTheWay) {
+    Directory directory;
+    const std::string link = directory.File("modem");
+    Program modem({directory.Write(
+                       "a.modem", "on AT\n    send \"\\n\\r\\n\\x03\\x04\\x11\\x13\\x1a\\x7f\\xff\\x00.\"\n"),
+                   "--link", link});
+    ASSERT_EQ(modem.OutLine(), "ready " + link + "\n");
+    EXPECT_EQ(Host(link).Ask("AT\r", "."), std::string("\n\r\n\x03\x04\x11\x13\x1a\x7f\xff\0.", 12));
+}
+
+TEST(Modemsim, ReadyIsSaidOnTheDescriptorGiven) {
+    Directory directory;
+    const std::string link = directory.File("modem");
+    int ready[2];
+    ASSERT_EQ(pipe2(ready, O_CLOEXEC), 0);
+    Program modem(
+        {directory.Write("a.modem", kScript), "--link", link, "--ready-fd", std::to_string(ready[1])},
+        ready[1]);
+    close(ready[1]);
+    // Up to the end: the program closes the descriptor once it has said so.
+    EXPECT_EQ(ReadUntil(ready[0], std::string("\0", 1)), "ready " + link + "\n");
+    close(ready[0]);
+    EXPECT_TRUE(fs::is_symlink(link));
+    modem.Signal(SIGTERM);
+    EXPECT_EQ(modem.Status(), 0);
+    EXPECT_EQ(modem.Out(), "");
+}
+
+TEST(Modemsim, FileAtTheLinksPlaceIsLeftAlone) {
+    Directory directory;
+    const std::string link = directory.Write("modem", "precious");
+    Program modem({directory.Write("a.modem", kScript), "--link", link});
+    EXPECT_EQ(modem.Status(), 2);
+    EXPECT_EQ(modem.Err(), "modemsim: " + link + " exists: it is left alone\n");
+    EXPECT_EQ(Content(link), "precious");
+}
+
+TEST(Modemsim, DirectoryAtTheLinksPlaceIsLeftAlone) {
+    Directory directory;
+    const std::string link = directory.File("modem");
+    fs::create_directory(link);
+    Program modem({directory.Write("a.modem", kScript), "--link", link});
+    EXPECT_EQ(modem.Status(), 2);
+    EXPECT_TRUE(fs::is_directory(link));
+}
+
+TEST(Modemsim, RealDeviceAtTheLinksPlaceIsLeftAlone) {
+    Directory directory;
+    const int master = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+    char device[64];
+    ASSERT_EQ(ptsname_r(master, device, sizeof device), 0);
+    Program modem({directory.Write("a.modem", kScript), "--link", device});
+    EXPECT_EQ(modem.Status(), 2);
+    EXPECT_EQ(modem.Err(), std::string("modemsim: ") + device + " is a real device: it is left alone\n");
+    EXPECT_TRUE(fs::is_character_file(device));
+    close(master);
+}
+
+TEST(Modemsim, LinkToSomethingThatExistsIsLeftAlone) {
+    Directory directory;
+    const std::string target = directory.Write("target", "x");
+    const std::string link = directory.File("modem");
+    fs::create_symlink(target, link);
+    Program modem({directory.Write("a.modem", kScript), "--link", link});
+    EXPECT_EQ(modem.Status(), 2);
+    EXPECT_EQ(modem.Err(), "modemsim: " + link + " leads to " + target +
+                               ", which exists: remove the link if no modem is there\n");
+    EXPECT_EQ(fs::read_symlink(link), target);
+}
+
+TEST(Modemsim, LinkOfARunningModemIsLeftAlone) {
+    Directory directory;
+    const std::string link = directory.File("modem");
+    Program first({directory.Write("a.modem", kScript), "--link", link});
+    ASSERT_EQ(first.OutLine(), "ready " + link + "\n");
+    Program second({directory.File("a.modem"), "--link", link});
+    EXPECT_EQ(second.Status(), 2);
+    EXPECT_EQ(Host(link).Ask("AT\r", "OK\r\n"), "\r\nOK\r\n");
+}
+
+TEST(Modemsim, LinkOfAKilledModemIsReplaced) {
+    Directory directory;
+    const std::string link = directory.File("modem");
+    Program first({directory.Write("a.modem", kScript), "--link", link});
+    ASSERT_EQ(first.OutLine(), "ready " + link + "\n");
+    first.Signal(SIGKILL);
+    EXPECT_EQ(first.Status(), 128 + SIGKILL);
+    ASSERT_TRUE(LinkStands(link));
+    Program second({directory.File("a.modem"), "--link", link});
+    EXPECT_EQ(second.OutLine(), "ready " + link + "\n");
+    EXPECT_EQ(Host(link).Ask("AT\r", "OK\r\n"), "\r\nOK\r\n");
+}
+
+TEST(Modemsim, LinkThatWasTakenOverStays) {
+    Directory directory;
+    const std::string link = directory.File("modem");
+    Program modem({directory.Write("a.modem", kScript), "--link", link});
+    ASSERT_EQ(modem.OutLine(), "ready " + link + "\n");
+    fs::remove(link);
+    directory.Write("modem", "of somebody else");
+    modem.Signal(SIGTERM);
+    EXPECT_EQ(modem.Status(), 0);
+    EXPECT_EQ(Content(link), "of somebody else");
+}
+
+TEST(Modemsim, LinkInAMissingDirectoryIsAnError) {
+    Directory directory;
+    Program modem({directory.Write("a.modem", kScript), "--link", directory.File("no/modem")});
+    EXPECT_EQ(modem.Status(), 2);
+    EXPECT_EQ(modem.Err(), "modemsim: cannot make the link " + directory.File("no/modem") +
+                               ": No such file or directory\n");
+}
+
+TEST(Modemsim, MalformedScenarioIsRefusedBeforeTheLinkIsMade) {
+    Directory directory;
+    const std::string link = directory.File("modem");
+    const std::string script = directory.Write("bad.modem", "on AT\n    | OK\n\nlatecy 5ms\n");
+    Program modem({script, "--link", link});
+    EXPECT_EQ(modem.Status(), 2);
+    EXPECT_EQ(modem.Err(), script + ":4: unknown word 'latecy', did you mean 'latency'?\n");
+    EXPECT_FALSE(LinkStands(link));
+}
+
+TEST(Modemsim, MissingScenarioIsRefusedWithTheShippedNames) {
+    Program modem({"nobody"});
+    EXPECT_EQ(modem.Status(), 2);
+    const std::string text = modem.Err();
+    EXPECT_TRUE(text.starts_with("nobody: No such file or directory\nshipped scenarios: default ")) << text;
+}
+
+TEST(Modemsim, OptionsAreExplained) {
+    Program help({"--help"});
+    EXPECT_EQ(help.Status(), 0);
+    EXPECT_NE(help.Out().find("--link"), std::string::npos);
+    Program version({"--version"});
+    EXPECT_EQ(version.Status(), 0);
+    EXPECT_TRUE(std::regex_match(version.Out(), std::regex("modemsim [0-9.]+\n")));
+    Program unknown({"--nonsense"});
+    EXPECT_EQ(unknown.Status(), 2);
+    Program check({"silent", "--check"});
+    EXPECT_EQ(check.Status(), 0);
+    EXPECT_TRUE(check.Out().ends_with("/silent.modem: 1 rules for 1 command lines, 0 reports\n"));
+}
+
+TEST(Modemsim, PiecesGoOutOneByOneAndTheLogShowsThem) {
+    Directory directory;
+    const std::string link = directory.File("modem");
+    const std::string log = directory.File("log");
+    Program modem(
+        {directory.Write("a.modem", "pieces 1,4 gap 2ms\non AT\n    | OK\n"), "--link", link, "--log", log});
+    ASSERT_EQ(modem.OutLine(), "ready " + link + "\n");
+    EXPECT_EQ(Host(link).Ask("AT\r", "OK\r\n"), "\r\nOK\r\n");
+    modem.Signal(SIGTERM);
+    ASSERT_EQ(modem.Status(), 0);
+    const std::regex expected(
+        " *[0-9]+ -> AT\\\\r\n *[0-9]+ -- rule a\\.modem:2\n *([0-9]+) <- \\\\r\n *([0-9]+) <- \\\\nOK\\\\r\n"
+        " *([0-9]+) <- \\\\n\n");
+    std::smatch match;
+    const std::string text = Content(log);
+    ASSERT_TRUE(std::regex_match(text, match, expected)) << text;
+    // Rounded down to milliseconds, a gap of 2 ms shows as 1 at least.
+    EXPECT_GT(std::stol(match[2]), std::stol(match[1]));
+    EXPECT_GT(std::stol(match[3]), std::stol(match[2]));
+}
+
+TEST(Modemsim, LogGoesToStandardOutputToo) {
+    Directory directory;
+    const std::string link = directory.File("modem");
+    Program modem({directory.Write("a.modem", "on *\n    unplug\n"), "--link", link, "--log", "-"});
+    ASSERT_EQ(modem.OutLine(), "ready " + link + "\n");
+    Host(link).Send("A\\\x01\r");
+    EXPECT_EQ(modem.Status(), 0);
+    EXPECT_TRUE(std::regex_match(
+        modem.Out(),
+        std::regex(
+            " *[0-9]+ -> A\\\\\\\\\\\\x01\\\\r\n *[0-9]+ -- rule a.modem:1\n *[0-9]+ -- unplugged\n")));
+}
+
+TEST(Modemsim, LongAnswerPassesThroughTheSmallBufferOfThePty) {
+    Directory directory;
+    const std::string link = directory.File("modem");
+    Program modem({directory.Write("a.modem", "on AT\n    repeat 102400 \"x\"\n    | OK\n"), "--link", link});
+    ASSERT_EQ(modem.OutLine(), "ready " + link + "\n");
+    const Host host(link);
+    // Two answers, so that the second line comes in while the first answer is stuck.
+    host.Send("AT\r");
+    host.Send("AT\r");
+    std::string text = ReadUntil(host.Fd(), "OK\r\n");
+    if (text.size() < 150'000) text += ReadUntil(host.Fd(), "OK\r\n");
+    const std::string one = std::string(102400, 'x') + "\r\nOK\r\n";
+    EXPECT_EQ(text.size(), 2 * one.size());
+    EXPECT_TRUE(text == one + one);
+}
+
+TEST(Modemsim, SignalEndsAModemThatNobodyReads) {
+    Directory directory;
+    const std::string link = directory.File("modem");
+    const std::string log = directory.File("log");
+    Program modem(
+        {directory.Write("a.modem", "on AT\n    repeat 102400 \"x\"\n"), "--link", link, "--log", log});
+    ASSERT_EQ(modem.OutLine(), "ready " + link + "\n");
+    const Host host(link);
+    host.Send("AT\r");
+    // Stuck once the first bytes have arrived and nobody takes them.
+    ASSERT_TRUE(Readable(host.Fd(), Clock::now() + kBound));
+    modem.Signal(SIGTERM);
+    EXPECT_EQ(modem.Status(), 0);
+    EXPECT_FALSE(LinkStands(link));
+}
+
+TEST(Modemsim, UnpluggedModemIsGone) {
+    Directory directory;
+    const std::string link = directory.File("modem");
+    Program modem(
+        {directory.Write("a.modem", "on AT\n    | OK\n    wait 300ms\n    unplug\n"), "--link", link});
+    ASSERT_EQ(modem.OutLine(), "ready " + link + "\n");
+    const Host host(link);
+    EXPECT_EQ(host.Ask("AT\r", "OK\r\n"), "\r\nOK\r\n");
+    EXPECT_EQ(modem.Status(), 0);
+    EXPECT_FALSE(LinkStands(link));
+    char c = 0;
+    EXPECT_EQ(read(host.Fd(), &c, 1), 0);
+    EXPECT_EQ(write(host.Fd(), "A", 1), -1);
+}
+
+}  // namespace
