@@ -4,9 +4,9 @@
 
 #include <fstream>
 #include <iterator>
-#include <regex>
 #include <set>
 
+#include "checks/modemsim/posix_regex.h"
 #include "checks/modemsim/virtual_modem.h"
 #include "tools/modemsim/find.h"
 
@@ -153,18 +153,20 @@ TEST(Shipped, DefaultIdentityIsWellFormed) {
 // it.
 TEST(Shipped, DefaultMessagesAreValid) {
     const std::string text = AllText(Shipped("default"));
-    const std::regex entry("\\+CMG[LR]: (?:\\d+,)?([0-3]),(?:\"[^\"]*\")?,(\\d+)\r\n([0-9A-F]+)\r\n");
+    const Regex entry("\\+CMG[LR]: ([0-9]+,)?([0-3]),(\"[^\"]*\")?,([0-9]+)\r\n([0-9A-F]+)\r\n");
     std::set<std::string> pdus;
-    for (std::sregex_iterator it(text.begin(), text.end(), entry), end; it != end; ++it) {
-        const std::string pdu = (*it)[3];
+    std::size_t from = 0;
+    for (auto match = entry.Next(text, from); !match.empty(); match = entry.Next(text, from)) {
+        const std::string& stat = match[2];
+        const std::string& pdu = match[5];
         pdus.insert(pdu);
         SCOPED_TRACE(pdu);
         ASSERT_EQ(pdu.size() % 2, 0U);
         const auto byte = [&](std::size_t i) { return std::stoul(pdu.substr(i * 2, 2), nullptr, 16); };
         const std::size_t start = byte(0) + 1;
         const std::size_t size = pdu.size() / 2;
-        EXPECT_EQ(size - start, std::stoul((*it)[2]));
-        const bool stored_by_us = (*it)[1] == "2" || (*it)[1] == "3";
+        EXPECT_EQ(size - start, std::stoul(match[4]));
+        const bool stored_by_us = stat == "2" || stat == "3";
         EXPECT_EQ(byte(start) & 3U, stored_by_us ? 1U : 0U);
         // Address, then protocol and coding, then the time stamp (received) or the validity (ours), then the
         // text.

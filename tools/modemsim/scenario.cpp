@@ -40,6 +40,22 @@ std::string Unknown(std::string_view word, std::span<const std::string_view> kno
     return text + ")";
 }
 
+// What stands under one "on" or "report".
+struct Block {
+    Place place;
+    bool report = false;
+    std::size_t index = 0;  // of the group or report
+    std::vector<Step> steps;
+    std::vector<Pattern> until;
+    std::size_t bytes = 0;
+    bool fresh = true;    // nothing was sent yet, or a pause came after it
+    bool broken = false;  // the line break in front of the next line has been sent
+    bool silent = false;
+    bool prompt = false;
+    bool unplug = false;
+    bool failed = false;  // a line of it was refused: that it is empty need not be told too
+};
+
 class Parser {
   public:
     Parser(ParseResult& result, const FileReader& reader) : result_(result), reader_(reader) {}
@@ -47,22 +63,6 @@ class Parser {
     void File(const std::string& name, std::string_view text, std::size_t depth);
 
   private:
-    // What stands under one "on" or "report".
-    struct Block {
-        Place place;
-        bool report = false;
-        std::size_t index = 0;  // of the group or report
-        std::vector<Step> steps;
-        std::vector<Pattern> until;
-        std::size_t bytes = 0;
-        bool fresh = true;    // nothing was sent yet, or a pause came after it
-        bool broken = false;  // the line break in front of the next line has been sent
-        bool silent = false;
-        bool prompt = false;
-        bool unplug = false;
-        bool failed = false;  // a line of it was refused: that it is empty need not be told too
-    };
-
     bool Fail(std::string reason);
     bool CheckBytes(std::string_view line);
     void Line(std::string_view line, std::size_t depth);
