@@ -1,0 +1,124 @@
+// cfgctl: reads and changes the configuration store from a shell.
+
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+
+#include <string>
+
+#include "platform/host_store.h"
+
+namespace {
+
+enum Exit { kDone = 0, kNoSuchKey = 1, kMisuse = 2, kNoStore = 3 };
+
+constexpr char kHelp[] =
+    "Usage: cfgctl get KEY          print the value of KEY; exit 1 when it is missing\n"
+    "       cfgctl set KEY VALUE    store VALUE under KEY\n"
+    "       cfgctl list             print KEY=VALUE for every key, sorted by key\n"
+    "       cfgctl --help | --version\n"
+    "\n"
+    "The store is /etc_rw/config/.store; it is made when /etc_rw/config exists.\n"
+    "KEY has 1 to 255 bytes, no control characters and no '='; VALUE has up to 4095 bytes.\n"
+    "'list' shows control characters of a value as \\n, \\r, \\t or \\xHH; 'get' prints it as it is.\n"
+    "\n"
+    "Exit status: 0 done, 1 no such key, 2 misuse, 3 the store cannot be used.\n";
+static_assert(kStoreKeyMax == 255 && kStoreValueMax == 4095);
+
+int Misuse(const char* what, const char* about = "") {
+    fprintf(stderr, "cfgctl: %s%s; try cfgctl --help\n", what, about);
+    return kMisuse;
+}
+
+// Null when `key` can be one, else what is wrong with it.
+const char* KeyFault(const char* key) {
+    size_t length = strlen(key);
+    if (length == 0) return "KEY is empty";
+    if (length > kStoreKeyMax) return "KEY is longer than 255 bytes";
+    for (const char* at = key; *at != '\0'; ++at)
+        if (*at == '=' || static_cast<unsigned char>(*at) < ' ' || *at == 0x7f)
+            return "KEY contains '=' or a control character";
+    return nullptr;
+}
+
+int Unusable() {
+    fprintf(stderr, "cfgctl: %s\n", StoreComplaint());
+    return kNoStore;
+}
+
+int Written() {
+    if (fflush(stdout) == 0 && ferror(stdout) == 0) return kDone;
+    perror("cfgctl: standard output");
+    return kNoStore;
+}
+
+int Get(const char* key) {
+    static char value[kStoreValueMax + 1];
+    switch (ReadStore(key, value, sizeof value)) {
+        case StoreResult::kOk:
+            puts(value);
+            return Written();
+        case StoreResult::kMissing:
+            return kNoSuchKey;
+        default:
+            return Unusable();
+    }
+}
+
+int Set(const char* key, const char* value) {
+    if (strlen(value) > kStoreValueMax) return Misuse("VALUE is longer than 4095 bytes");
+    return WriteStore(key, value) == StoreResult::kOk ? kDone : Unusable();
+}
+
+void AppendPair(const char* key, size_t key_length, const char* value, size_t value_length, void* arg) {
+    std::string& out = *static_cast<std::string*>(arg);
+    out.append(key, key_length) += '=';
+    for (size_t i = 0; i < value_length; ++i) {
+        auto byte = static_cast<unsigned char>(value[i]);
+        if (byte >= ' ' && byte != 0x7f) {
+            out += value[i];
+        } else if (byte == '\n') {
+            out += "\\n";
+        } else if (byte == '\r') {
+            out += "\\r";
+        } else if (byte == '\t') {
+            out += "\\t";
+        } else {
+            char hex[8];
+            snprintf(hex, sizeof hex, "\\x%02X", byte);
+            out += hex;
+        }
+    }
+    out += '\n';
+}
+
+// Gathers first and prints then: a reader that stands before a full pipe would keep old pages of the store
+// alive.
+int List() {
+    std::string out;
+    if (WalkStore(AppendPair, &out) != StoreResult::kOk) return Unusable();
+    fwrite(out.data(), 1, out.size(), stdout);
+    return Written();
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    SetStoreComplaints(false);
+    if (argc < 2) return Misuse("no command is given");
+    const char* command = argv[1];
+    if (strcmp(command, "--help") == 0 || strcmp(command, "-h") == 0) {
+        fputs(kHelp, stdout);
+        return Written();
+    }
+    if (strcmp(command, "--version") == 0) {
+        puts("cfgctl " AT_VERSION);
+        return Written();
+    }
+    if (strcmp(command, "list") == 0) return argc == 2 ? List() : Misuse("list takes no arguments");
+    bool get = strcmp(command, "get") == 0;
+    if (!get && strcmp(command, "set") != 0) return Misuse("unknown command: ", command);
+    if (argc != (get ? 3 : 4)) return Misuse(get ? "get takes KEY" : "set takes KEY and VALUE");
+    if (const char* fault = KeyFault(argv[2])) return Misuse(fault);
+    return get ? Get(argv[2]) : Set(argv[2], argv[3]);
+}
