@@ -44,11 +44,8 @@ machine_state() {
     ls -d /tmp/at-sandbox.* 2>/dev/null
 }
 
-# Makes the queue with key $1, for root of any kind.
-cat >"$work/make_queue" <<'END'
-import ctypes, sys
-sys.exit(ctypes.CDLL(None).msgget(int(sys.argv[1], 0), 0o1600) < 0)
-END
+# Makes the queue with key $1.
+echo 'exit !defined msgget(oct $ARGV[0], 01600);' >"$work/make_queue"
 
 cat >"$work/inside" <<'END'
 set -e
@@ -132,7 +129,7 @@ out=$(cd "$work/with blank" && "$sandbox" --rw . -- sh -c 'touch "a b"; ls "$1"'
 report "blanks in names" "a b" "$out"
 
 # Two at once: each makes queue 0x1000 for itself and waits for the other one.
-meet="python3 $work/make_queue 0x1000 && ls /etc_rw/config && touch $work/out/\$0 /etc_rw/config/\$0 || exit 9
+meet="perl $work/make_queue 0x1000 && ls /etc_rw/config && touch $work/out/\$0 /etc_rw/config/\$0 || exit 9
       for i in \$(seq 500); do [ -e $work/out/\$1 ] && break; sleep 0.01; done
       [ -e $work/out/\$1 ] && ls /etc_rw/config && ipcs -q | grep -c 0x"
 "$sandbox" --ro "$work" --rw "$work/out" -- sh -c "$meet" one two >"$work/one" &
@@ -197,7 +194,7 @@ report "where nothing is possible each mode tells why" "sandbox: no private worl
 2" "$out"
 
 for kind in 'touch /dev/ttyUSB1' 'ln -s pts/0 /dev/ttyUSB1' 'mkdir /etc_rw' 'touch /etc/cusd' \
-    "python3 $work/make_queue 0x1022"; do
+    "perl $work/make_queue 0x1022"; do
     out=$(on_machine "$kind; ls -A /dev / /etc >/tmp/before; ipcs -q >>/tmp/before; $plain -- true 2>&1; echo \$?
         ls -A /dev / /etc >/tmp/after; ipcs -q >>/tmp/after; cmp /tmp/before /tmp/after" | grep -v 'no private world')
     report "plain: after '$kind' it refuses and touches nothing" "left alone:2" \
@@ -207,7 +204,7 @@ done
 # The launcher is killed with everything in use; the next run clears it all away and works.
 out=$(on_machine "
     before=\$(machine_state)
-    $plain -- sh -c 'ln -s pts/0 /dev/ttyUSB1; touch /etc/cusd /etc_rw/config/x; python3 $work/make_queue 0x1000
+    $plain -- sh -c 'ln -s pts/0 /dev/ttyUSB1; touch /etc/cusd /etc_rw/config/x; perl $work/make_queue 0x1000
         setsid sleep 60.1 & env -i sleep 60.1 & touch /tmp/ready; sleep 60.1' </dev/null &
     launcher=\$!
     eventually test -e /tmp/ready || echo 'did not start'
@@ -244,7 +241,7 @@ out=$(on_machine "old=\$(cat /proc/sys/kernel/msgmnb); $plain --msgmnb 70000 -- 
 report "plain: the size of the queues is put back" $'70000\nrestored' "$out"
 
 out=$(on_machine ": >/dev/log; $plain -- true; ls /dev/log; rm /dev/log
-    $plain -- python3 -c 'import socket; socket.socket(socket.AF_UNIX, socket.SOCK_DGRAM).bind(\"/dev/log\")'; ls /dev/log 2>&1 | wc -l
+    $plain -- perl -MSocket -e 'socket S, AF_UNIX, SOCK_DGRAM, 0; bind S, sockaddr_un(\"/dev/log\") or die'; ls /dev/log 2>&1 | wc -l
     ls /dev/log 2>/dev/null")
 report "plain: a /dev/log that was there stays, one that was made goes" $'/dev/log\n1' "$out"
 
