@@ -189,6 +189,12 @@ void RemoveUnborn(const char* directory, bool made) {
     if (made) rmdir(directory);
 }
 
+// Frees the places of processes that were killed. True when there were any.
+bool RemoveDeadReaders() {
+    int dead = 0;
+    return mdb_reader_check(g_env, &dead) == 0 && dead > 0;
+}
+
 int OpenEnvironment(const char* directory) {
     int error = mdb_env_create(&g_env);
     if (error != 0) return error;
@@ -199,8 +205,7 @@ int OpenEnvironment(const char* directory) {
     if (error != 0) return error;
     int file;
     if (mdb_env_get_fd(g_env, &file) == 0) fcntl(file, F_SETFD, FD_CLOEXEC);
-    int dead;
-    mdb_reader_check(g_env, &dead);  // places of processes that were killed
+    RemoveDeadReaders();
 
     MDB_txn* transaction;
     error = mdb_txn_begin(g_env, nullptr, MDB_RDONLY, &transaction);
@@ -267,7 +272,8 @@ bool Ready() {
         pthread_mutex_lock(&g_open_lock);
         state = g_state.load(std::memory_order_relaxed);
         if (state == kUnopened) {
-            state = OpenLocked(kStoreDirectory) == StoreResult::kOk ? kOpen : kFailed;
+            const char* directory = g_directory[0] != '\0' ? g_directory : kStoreDirectory;
+            state = OpenLocked(directory) == StoreResult::kOk ? kOpen : kFailed;
             g_state.store(state, std::memory_order_release);
         }
         pthread_mutex_unlock(&g_open_lock);
@@ -287,6 +293,8 @@ class ReadTransaction {
             return;
         }
         error_ = mdb_txn_begin(g_env, nullptr, MDB_RDONLY, &transaction_);
+        if (error_ == MDB_READERS_FULL && RemoveDeadReaders())
+            error_ = mdb_txn_begin(g_env, nullptr, MDB_RDONLY, &transaction_);
         if (error_ != 0) transaction_ = nullptr;
     }
     ~ReadTransaction() {
@@ -320,6 +328,19 @@ MDB_val Bytes(const char* text, size_t length) {
     return {length, const_cast<char*>(text)};
 }
 
+int Put(MDB_val key, MDB_val value) {
+    MDB_txn* transaction;
+    int error = mdb_txn_begin(g_env, nullptr, 0, &transaction);
+    if (error != 0) return error;
+    error = mdb_put(transaction, g_dbi, &key, &value, 0);
+    if (error != 0) {
+        mdb_txn_abort(transaction);
+        return error;
+    }
+    return mdb_txn_commit(transaction);
+}
+
+// The length of a key that can be stored, or 0.
 size_t KeyLength(const char* key) {
     size_t length = key == nullptr ? 0 : strnlen(key, kStoreKeyMax + 1);
     if (length == 0 || length > kStoreKeyMax) {
@@ -346,6 +367,7 @@ StoreResult OpenStore(const char* directory) {
 void CloseStore() {
     pthread_mutex_lock(&g_open_lock);
     CloseEnvironment();
+    g_directory[0] = '\0';
     g_state.store(kUnopened, std::memory_order_release);
     pthread_mutex_unlock(&g_open_lock);
 }
