@@ -34,6 +34,10 @@ constexpr ssize_t kLockBytes = 32 * 1024;
 // more, and its smallest reader table takes as much.
 constexpr off_t kEmptyBytes = 2 * 4096;
 
+// How long a setting waits for readers that keep the store's last free pages: a second in all.
+constexpr int kHeldAttempts = 100;
+constexpr useconds_t kHeldWaitUs = 10'000;
+
 enum State : uint32_t { kUnopened, kOpen, kFailed };
 
 struct Reader {
@@ -193,6 +197,19 @@ void RemoveUnborn(const char* directory, bool made) {
 bool RemoveDeadReaders() {
     int dead = 0;
     return mdb_reader_check(g_env, &dead) == 0 && dead > 0;
+}
+
+// True when a reader of any process is inside the store. LMDB tells its readers as lines of a table that end
+// with the number of the state they look at, or with "-".
+bool ReaderInside() {
+    bool inside = false;
+    auto look = [](const char* line, void* found) {
+        const char* last = strrchr(line, ' ');
+        if (last != nullptr && last[1] >= '0' && last[1] <= '9') *static_cast<bool*>(found) = true;
+        return 0;
+    };
+    mdb_reader_list(g_env, look, &inside);
+    return inside;
 }
 
 int OpenEnvironment(const char* directory) {
@@ -411,14 +428,15 @@ StoreResult WriteStore(const char* key, const char* value) {
             found.mv_size == length && memcmp(found.mv_data, value, length) == 0)
             return StoreResult::kOk;
     }
-    MDB_txn* transaction;
-    int error = mdb_txn_begin(g_env, nullptr, 0, &transaction);
-    if (error == 0) {
-        error = mdb_put(transaction, g_dbi, &name, &wanted, 0);
-        if (error == 0)
-            error = mdb_txn_commit(transaction);
-        else
-            mdb_txn_abort(transaction);
+    int error = Put(name, wanted);
+    // Full may mean no more than that a reader was killed or lost the processor inside the store and keeps
+    // old pages alive: they are free as soon as its place is taken away or it goes on.
+    bool held = true;
+    for (int attempt = 0; error == MDB_MAP_FULL && held && attempt < kHeldAttempts; ++attempt) {
+        RemoveDeadReaders();
+        held = ReaderInside();
+        if (held) usleep(kHeldWaitUs);
+        error = Put(name, wanted);
     }
     if (error == 0) return StoreResult::kOk;
     if (error == MDB_MAP_FULL) {
