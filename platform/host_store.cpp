@@ -28,11 +28,11 @@ constexpr char kLogSource[] = "platform";
 constexpr int kReaders = 4;
 
 // Size of LMDB's reader table on disk: about 500 places of 64 bytes, room for 120 processes.
-constexpr ssize_t kLockBytes = 32 * 1024;
+constexpr ssize_t kLockBytes = 32'768;
 
 // Smaller files were left by a creation that was cut off: LMDB's data begin with two pages of 4096 bytes or
 // more, and its smallest reader table takes as much.
-constexpr off_t kEmptyBytes = 2 * 4096;
+constexpr off_t kEmptyBytes = 8192;
 
 // How long a setting waits for readers that keep the store's last free pages: a second in all.
 constexpr int kHeldAttempts = 100;

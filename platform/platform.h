@@ -9,15 +9,15 @@
 extern "C" {
 #endif
 
-/* The value stored under `key`, NUL-terminated, or null when the key is missing. The text stays valid until the
- * same thread calls cfg_get again. Takes no lock. */
+/* The value stored under `key`, NUL-terminated, or null when the key is missing. The text stays valid until
+ * the same thread calls cfg_get again. Takes no lock. */
 const char* cfg_get(const char* key);
 
 /* Stores `value` under `key`. 0 on success, anything else when it could not be stored. */
 int cfg_set(const char* key, const char* value);
 
-/* Starts soft timer `id`: `callback(arg)` after `period_ms` milliseconds, again and again when `periodic` is not 0.
- * The callback runs on a thread of the timer service. 0 on success. */
+/* Starts soft timer `id`: `callback(arg)` after `period_ms` milliseconds, again and again when `periodic` is
+ * not 0. The callback runs on a thread of the timer service. 0 on success. */
 int CreateSoftTimer(int id, int periodic, unsigned period_ms, int (*callback)(void*), void* arg);
 
 #ifdef __cplusplus

@@ -281,6 +281,7 @@ TEST_F(Store, ReadersBesideAWriterKeepNoOldPagesAlive) {
     std::atomic<bool> stop{false};
     std::atomic<int> torn{0};
     std::vector<std::thread> readers;
+    readers.reserve(8);
     // More than the store keeps places for.
     for (int i = 0; i < 8; ++i)
         readers.emplace_back([&] {
