@@ -22,7 +22,7 @@ constexpr char kHelp[] =
     "KEY has 1 to 255 bytes, no control characters and no '='; VALUE has up to 4095 bytes.\n"
     "'list' shows control characters of a value as \\n, \\r, \\t or \\xHH; 'get' prints it as it is.\n"
     "\n"
-    "Exit status: 0 done, 1 no such key, 2 misuse, 3 the store cannot be used.\n";
+    "Exit status: 0 done, 1 no such key, 2 misuse, 3 the store or the output cannot be used.\n";
 static_assert(kStoreKeyMax == 255 && kStoreValueMax == 4095);
 
 int Misuse(const char* what, const char* about = "") {

@@ -220,6 +220,26 @@ TEST_F(Store, AWriterKilledInsideItsTransactionLeavesNothing) {
     EXPECT_EQ(Value("text"), "later");
 }
 
+TEST_F(Store, AForkedChildReadsInPlacesOfItsOwn) {
+    ASSERT_EQ(Open(), StoreResult::kOk);
+    cfg_set("key", "value");
+    ASSERT_EQ(Value("key"), "value");
+    EXPECT_EQ(InChild([&] {
+                  if (Value("key") != "value") return 1;
+                  // LMDB's table of readers, seen by a third process, begins each line with a process id.
+                  return InChild([&] {
+                      MDB_env* env = ForeignEnvironment(directory_);
+                      auto look = [](const char* line, void* found) {
+                          if (atoi(line) == getppid()) *static_cast<bool*>(found) = true;
+                          return 0;
+                      };
+                      bool found = false;
+                      return env != nullptr && mdb_reader_list(env, look, &found) >= 0 && found ? 0 : 2;
+                  });
+              }),
+              0);
+}
+
 TEST_F(Store, KilledReadersDoNotFillTheirTable) {
     ASSERT_EQ(Open(), StoreResult::kOk);
     cfg_set("key", "value");
