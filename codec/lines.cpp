@@ -197,6 +197,45 @@ int TakeGenericNamedLine(AT_RES_LINE_T& res_line, const char* line, const char* 
     return TakeNamedLine(res_line, line, colon, colon + 2);
 }
 
+// Whether a named line is still to come. Every line begins outside quotes, so what was found from one line
+// holds for the lines behind it: the text is searched once, not once for each line.
+class NamedLineAhead {
+  public:
+    bool From(const char* text) {
+        if (!searched_ || (found_ != nullptr && found_ < text)) found_ = Find_Sub_Str(text, ": ");
+        searched_ = true;
+        return found_ != nullptr;
+    }
+
+  private:
+    const char* found_ = nullptr;
+    bool searched_ = false;
+};
+
+// A line without ": ".
+void TakeResultLine(AT_RES_LINE_T& res_line, const char* line, const char* rest, NamedLineAhead& named) {
+    if (Find_Sub_Str(line, "OK") != nullptr) {
+        res_line.Result = AT_RESULT_OK;
+        if (res_line.strResParas[0] == '\0') AppendParas(res_line, "OK");
+    } else if (Find_Sub_Str(line, "ERROR") != nullptr) {
+        res_line.Result = AT_RESULT_ERROR;
+    } else if (ContainsAny(line, kWholeResultLines)) {
+        AppendParas(res_line, line);
+    } else if (Find_Sub_Str(line, "BUSY") != nullptr) {
+        res_line.Result = AT_RESULT_BUSY;
+    } else if (Find_Sub_Str(line, "not support") != nullptr) {
+        res_line.Result = AT_RESULT_ERROR;
+    } else if (Find_Sub_Str(line, "+ZEND") != nullptr || Find_Sub_Str(line, "+ZSIMREFRESH") != nullptr) {
+        AppendParas(res_line, line);
+    } else if (res_line.strCmdName[0] != '\0') {
+        AppendParas(res_line, ",\"", 2);
+        AppendParas(res_line, line);
+        AppendParas(res_line, "\"", 1);
+    } else if (!named.From(rest)) {
+        AppendParas(res_line, line);
+    }
+}
+
 // Calls scan(line, rest) for each non-empty line of a framed response, with a copy of the line (cut at 1023
 // characters) and the text from the line on, until it returns false. What follows the last line break is not
 // a line.
@@ -261,36 +300,19 @@ int Bk_PreParse_At_Res_Message(AT_RES_LINE_T* pResLine, const char* line) {
 
 int Bk_PreParse_Result_Line(AT_RES_LINE_T* pResLine, const char* line, const char* rest) {
     if (pResLine == nullptr || line == nullptr || rest == nullptr) return -1;
-    if (Find_Sub_Str(line, "OK") != nullptr) {
-        pResLine->Result = AT_RESULT_OK;
-        if (pResLine->strResParas[0] == '\0') AppendParas(*pResLine, "OK");
-    } else if (Find_Sub_Str(line, "ERROR") != nullptr) {
-        pResLine->Result = AT_RESULT_ERROR;
-    } else if (ContainsAny(line, kWholeResultLines)) {
-        AppendParas(*pResLine, line);
-    } else if (Find_Sub_Str(line, "BUSY") != nullptr) {
-        pResLine->Result = AT_RESULT_BUSY;
-    } else if (Find_Sub_Str(line, "not support") != nullptr) {
-        pResLine->Result = AT_RESULT_ERROR;
-    } else if (Find_Sub_Str(line, "+ZEND") != nullptr || Find_Sub_Str(line, "+ZSIMREFRESH") != nullptr) {
-        AppendParas(*pResLine, line);
-    } else if (pResLine->strCmdName[0] != '\0') {
-        AppendParas(*pResLine, ",\"", 2);
-        AppendParas(*pResLine, line);
-        AppendParas(*pResLine, "\"", 1);
-    } else if (Find_Sub_Str(rest, ": ") == nullptr) {
-        AppendParas(*pResLine, line);
-    }
+    NamedLineAhead named;
+    TakeResultLine(*pResLine, line, rest, named);
     return 0;
 }
 
 int Bk_PreParse_At_Res_Lines(AT_RES_LINE_T* pResLine, const char* pText) {
     if (pResLine == nullptr || pText == nullptr) return -1;
-    ForEachLine(pText, [pResLine](const char* line, const char* rest) {
+    NamedLineAhead named;
+    ForEachLine(pText, [pResLine, &named](const char* line, const char* rest) {
         if (Find_Sub_Str(line, ": ") != nullptr)
             Bk_PreParse_At_Res_Message(pResLine, line);
         else
-            Bk_PreParse_Result_Line(pResLine, line, rest);
+            TakeResultLine(*pResLine, line, rest, named);
         return true;
     });
     return 0;
@@ -300,12 +322,13 @@ int Bk_PreParse_At_Res_Generic(AT_RES_LINE_T* pResLine, const char* pText) {
     if (pResLine == nullptr || pText == nullptr) return -1;
     AT_LOG(LOG_DEBUG, "the framed response is %s", pText);
     int result = 0;
-    ForEachLine(pText, [pResLine, &result](const char* line, const char* rest) {
+    NamedLineAhead named;
+    ForEachLine(pText, [pResLine, &named, &result](const char* line, const char* rest) {
         const char* colon = Find_Sub_Str(line, ":");
         if (colon != nullptr)
             result = TakeGenericNamedLine(*pResLine, line, colon);
         else
-            Bk_PreParse_Result_Line(pResLine, line, rest);
+            TakeResultLine(*pResLine, line, rest, named);
         return result == 0;
     });
     return result;
