@@ -36,7 +36,7 @@ bool HandoverTake() {
 
 uint32_t IssueTicket() {
     static uint32_t last;  // request thread only
-    if (++last == 0) ++last;
+    last = TicketAfter(last);
     g_at_processing.store(last, std::memory_order_release);
     return last;
 }

@@ -22,6 +22,11 @@ bool HandoverPut(const MSG_BUF& request, const char* line);
 // request that was in flight is overwritten. True when there was one.
 bool HandoverTake();
 
+// The ticket that follows `last`: 0 means that nothing is being served.
+constexpr uint32_t TicketAfter(uint32_t last) {
+    return last != UINT32_MAX ? last + 1 : 1;
+}
+
 // Request thread. Issues the ticket of the request just put: never 0, different from the last.
 uint32_t IssueTicket();
 
