@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "checks/support/fake_modem.h"
 #include "checks/support/fake_platform.h"
 #include "checks/support/log_capture.h"
 
@@ -419,13 +420,25 @@ TEST(KvxSleep, WaitsHalfASecond) {
     EXPECT_LT(waited, 1'000);
 }
 
-// More microseconds than a second has, which not every kernel takes.
 TEST(KvxSleep, WaitsASecondAndAHalf) {
     const int64_t begin = Milliseconds();
     kvx_sleep(1'500);
     const int64_t waited = Milliseconds() - begin;
     EXPECT_GE(waited, 1'499);
     EXPECT_LT(waited, 2'000);
+}
+
+TEST(KvxSleep, CarriesSecondsWhereTheKernelWantsThem) {
+    Device().Reset();
+    Device().refuse_long_waits = true;
+    Device().skip_waits = true;
+    kvx_sleep(999);
+    EXPECT_EQ(Device().refused_waits, 0);
+    EXPECT_EQ(Device().waited_ms, 999);
+    kvx_sleep(1'500);
+    EXPECT_EQ(Device().refused_waits, 1);
+    EXPECT_EQ(Device().waited_ms, 999 + 1'500);
+    Device().Reset();
 }
 
 TEST(AtTimeStamp, IsTheLocalTime) {
