@@ -107,7 +107,8 @@ extern "C" ssize_t msgrcv(int id, void* message, size_t size, long type, int fla
         if (first.body.size() > size && !(flags & MSG_NOERROR)) return Fail(E2BIG);
         size_t length = std::min(size, first.body.size());
         memcpy(message, &first.type, sizeof first.type);
-        memcpy(static_cast<unsigned char*>(message) + sizeof(long), first.body.data(), length);
+        if (length != 0)
+            memcpy(static_cast<unsigned char*>(message) + sizeof(long), first.body.data(), length);
         queue->erase(queue->begin() + static_cast<std::ptrdiff_t>(i));
         return static_cast<ssize_t>(length);
     }
