@@ -26,8 +26,8 @@ extern unsigned char g_sms_prompt;
 // *pnComplete becomes 1 when the buffer holds a complete response. 0, or -1 for a null argument.
 int Bk_PreProcess_SIO_Rdata(char* pBuf, int* pnComplete, char* pRecv);
 
-// The first half of it, for a caller that frames by itself. Returns how many characters of what was in `pBuf` were dropped
-// from its start.
+// The first half of it, for a caller that frames by itself. Returns how many characters of what was in `pBuf`
+// were dropped from its start.
 size_t AppendReceived(char* pBuf, char* pRecv);
 
 // Just past the end of the first complete response in `pText`, or null when there is none.
