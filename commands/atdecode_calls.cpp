@@ -54,7 +54,9 @@ int Parse_CUSD_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine) {
         size_t length = static_cast<size_t>(close - open - 1);
         if (length > sizeof tPara.str - 1) length = sizeof tPara.str - 1;
         memcpy(tPara.str, open + 1, length);
-        ScanRecord(strrchr(text, ',') + 1, "%2d", type, &tPara);
+        char scheme[3] = {};  // the two characters behind the comma, a blank among them counts
+        strncat(scheme, strrchr(text, ',') + 1, sizeof scheme - 1);
+        ScanRecord(scheme, "%d", type, &tPara);
     }
     AT_LOG(LOG_INFO, "Parse_CUSD_Res::tPara.mode=%d, tPara.str=%s,  tPara.type=%d", tPara.mode, tPara.str,
            tPara.type);

@@ -44,9 +44,17 @@ TEST(Cusd, TextWithCommasAndQuotesEndsAtTheLastQuote) {
 }
 TEST(Cusd, SchemeOfAtMostTwoCharacters) {
     EXPECT_EQ(FileFor("1,\"a\",123"), Ussd(1, "a", 12));
+    EXPECT_EQ(FileFor("1,\"a\",7"), Ussd(1, "a", 7));
+    EXPECT_EQ(FileFor("1,\"a\","), Ussd(1, "a", 0));
+    EXPECT_EQ(FileFor("1,\"a\",x5"), Ussd(1, "a", 0));
+    EXPECT_EQ(FileFor("1,\"a\", 15"), Ussd(1, "a", 1)) << "a blank is one of the two";
+    EXPECT_EQ(FileFor("1,\"a,15b\""), Ussd(1, "a,15b", 15)) << "also inside the quotes";
 }
 TEST(Cusd, ModeAlone) {
     EXPECT_EQ(FileFor("2"), Ussd(2, "", 0));
+    EXPECT_EQ(FileFor("99999999999"), Ussd(INT32_MAX, "", 0));
+    EXPECT_EQ(FileFor("\"2\""), Ussd(0, "", 0));
+    EXPECT_EQ(FileFor(""), Ussd(0, "", 0));
 }
 TEST(Cusd, ACommaWithoutQuotesGivesNothing) {
     EXPECT_EQ(FileFor("1,a,15"), "(none)");
@@ -54,10 +62,23 @@ TEST(Cusd, ACommaWithoutQuotesGivesNothing) {
 }
 TEST(Cusd, OkGivesNothing) {
     EXPECT_EQ(FileFor("OK"), "(none)");
+    EXPECT_TRUE(LoggedPart("Parse_CUSD_Res::pRes->aucParas="));
+    EXPECT_EQ(FileFor("OK "), Ussd(0, "", 0)) << "near";
 }
 TEST(Cusd, TextLongerThanItsArray) {
     EXPECT_EQ(FileFor("1,\"" + std::string(815, 'x') + "\",15"), Ussd(1, std::string(815, 'x'), 15));
     EXPECT_EQ(FileFor("1,\"" + std::string(816, 'x') + "\",15"), Ussd(1, std::string(815, 'x'), 15));
+}
+TEST(Cusd, EmptyTextAndBlanks) {
+    EXPECT_EQ(FileFor("0,\"\",15"), Ussd(0, "", 15));
+    EXPECT_EQ(FileFor("0,\" a \t\",15"), Ussd(0, " a \t", 15)) << "raw";
+    EXPECT_EQ(FileFor("0,\"a\";1,\"b\",72"), Ussd(0, "a\";1,\"b", 72));
+}
+TEST(Cusd, TheFileIsReplacedWhole) {
+    StartWith(kModule);
+    Decode(0x0532, SET, "1,\"a long text\",72");
+    Decode(0x0532, SET, "2");
+    EXPECT_EQ(Files().Content(kFile), Ussd(2, "", 0));
 }
 TEST(Cusd, SetOnly) {
     StartWith(kModule);
