@@ -42,6 +42,8 @@ inline int Parse_Zgink_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine) {
 int Parse_COPS_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine);
 int Parse_CREG_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine);
 int Parse_Cmgl_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine);
+int Parse_CCWA_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine);
+int Parse_RINGBACK_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine);
 int Parse_CLCC_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine);
 // The answer of a USSD command and the +CUSD report: the record goes into /etc/cusd.
 int Parse_CUSD_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine);

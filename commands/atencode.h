@@ -13,6 +13,11 @@ int Make_None_Cmd(AT_CMD_LINE_T* pCmdLine, const _BK_AT_CMD_T* pCmd);
 // voice call.
 int Make_Dial_Cmd(AT_CMD_LINE_T* pCmdLine, const _BK_AT_CMD_T* pCmd);
 
+// +ZVOCLOOPBK, SET: logs the request before it is printed.
+int Make_ZVOCLOOPBK_Cmd(AT_CMD_LINE_T* pCmdLine, const _BK_AT_CMD_T* pCmd);
+// +CCFC, SET: puts the type of the number, whatever the record says.
+int Make_CCFC_Cmd(AT_CMD_LINE_T* pCmdLine, const _BK_AT_CMD_T* pCmd);
+
 int Make_COPS_Cmd(AT_CMD_LINE_T* pCmdLine, const _BK_AT_CMD_T* pCmd);
 
 #endif

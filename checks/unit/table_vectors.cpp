@@ -3,6 +3,7 @@
 #include <string.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <memory>
 
 #include "checks/support/fake_platform.h"
@@ -75,6 +76,27 @@ std::string Encoded(uint16_t id, uint8_t type, const std::string& record, int le
     return guarded->line.strCmdParas;
 }
 
+void ExpectSetOfThisSizeOnly(uint16_t id, const std::string& record) {
+    SCOPED_TRACE(testing::Message() << "id " << std::hex << id);
+    EXPECT_NE(Encoded(id, SET, record), "");
+    EXPECT_EQ(Encoded(id, SET, record.substr(0, record.size() - 1)), "") << "one byte short";
+    EXPECT_EQ(Encoded(id, SET, record + std::string(1, '\0')), "") << "one byte long";
+    EXPECT_EQ(Encoded(id, SET, record, 0), "") << "of no length";
+    EXPECT_EQ(Encoded(id, SET, record, 65535), "") << "of all lengths";
+    for (uint8_t type : {uint8_t{0}, EXEC, READ, TEST_, uint8_t{5}})
+        EXPECT_EQ(Encoded(id, type, record), "") << "type " << int{type};
+}
+
+void ExpectPrintsOneInteger(uint16_t id) {
+    SCOPED_TRACE(testing::Message() << "id " << std::hex << id);
+    EXPECT_EQ(Encoded(id, SET, Bytes().I32(0).data), "0");
+    EXPECT_EQ(Encoded(id, SET, Bytes().I32(7).data), "7");
+    EXPECT_EQ(Encoded(id, SET, Bytes().I32(-1).data), "-1");
+    EXPECT_EQ(Encoded(id, SET, Bytes().I32(INT32_MAX).data), "2147483647");
+    EXPECT_EQ(Encoded(id, SET, Bytes().I32(INT32_MIN).data), "-2147483648");
+    ExpectSetOfThisSizeOnly(id, Bytes().I32(7).data);
+}
+
 Decoded Decode(uint16_t id, uint8_t type, const std::string& text, uint8_t result) {
     int index = -1;
     EXPECT_EQ(Bk_Find_Cmd_By_Id(id, &index), 0);
@@ -99,6 +121,34 @@ Decoded Decode(uint16_t id, uint8_t type, const std::string& text, uint8_t resul
     EXPECT_EQ(response.ucResult, result);
     return {response.usParaLen,
             std::string(reinterpret_cast<char*>(response.aucParas), sizeof response.aucParas)};
+}
+
+void ExpectReadsOneInteger(uint16_t id, std::initializer_list<uint8_t> types) {
+    SCOPED_TRACE(testing::Message() << "id " << std::hex << id);
+    for (int type = 0; type <= 5; ++type) {
+        const auto now = static_cast<uint8_t>(type);
+        if (std::find(types.begin(), types.end(), now) == types.end()) {
+            EXPECT_TRUE(Decode(id, now, "5").Untouched()) << "type " << type;
+            continue;
+        }
+        const auto record = [&](const std::string& text) { return Decode(id, now, text).Record(); };
+        EXPECT_EQ(record("5"), Bytes().I32(5).data);
+        EXPECT_EQ(record(" 5 ,7"), Bytes().I32(5).data);
+        EXPECT_EQ(record("-3x"), Bytes().I32(-3).data);
+        EXPECT_EQ(record("2147483647"), Bytes().I32(INT32_MAX).data);
+        EXPECT_EQ(record("2147483648"), Bytes().I32(INT32_MAX).data) << "saturates";
+        EXPECT_EQ(record("-99999999999"), Bytes().I32(INT32_MIN).data) << "saturates";
+        EXPECT_EQ(record(""), Bytes().I32(0).data);
+        EXPECT_EQ(record("OK"), Bytes().I32(0).data);
+        EXPECT_EQ(Decode(id, now, "5").paras.find_first_not_of('\xa5', 4), std::string::npos);
+    }
+}
+
+void ExpectReadsNothing(uint16_t id) {
+    SCOPED_TRACE(testing::Message() << "id " << std::hex << id);
+    for (int type = 0; type <= 5; ++type)
+        for (const char* text : {"OK", "", "1,\"2\",3"})
+            EXPECT_TRUE(Decode(id, static_cast<uint8_t>(type), text).Untouched()) << type << " " << text;
 }
 
 bool Decoded::Untouched() const {

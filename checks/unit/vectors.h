@@ -26,6 +26,11 @@ struct Bytes {
 // is the record's size unless `length` says otherwise.
 std::string Encoded(uint16_t id, uint8_t type, const std::string& record = "", int length = -1);
 
+// An encoder of records: nothing but a set whose length is exactly that of `record` prints anything.
+void ExpectSetOfThisSizeOnly(uint16_t id, const std::string& record);
+// The same with nothing but one integer to print, the limits included.
+void ExpectPrintsOneInteger(uint16_t id);
+
 // What a decoder left.
 struct Decoded {
     int length = -1;    // usParaLen; 0x5a5a when it was not touched
@@ -38,6 +43,11 @@ inline constexpr int kUntouchedLength = 0x5a5a;
 
 // The decoder of `id` on a parameter text, under a command type and a result class.
 Decoded Decode(uint16_t id, uint8_t type, const std::string& text, uint8_t result = 1);
+
+// A decoder that reads one integer under each of `types`, and serves no other.
+void ExpectReadsOneInteger(uint16_t id, std::initializer_list<uint8_t> types);
+// A decoder that changes nothing, whatever the type.
+void ExpectReadsNothing(uint16_t id);
 
 // List files in the place of those of the router.
 struct ListFiles {
