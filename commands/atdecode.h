@@ -41,6 +41,8 @@ inline int Parse_Zgink_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine) {
 
 int Parse_COPS_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine);
 int Parse_CREG_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine);
+int Parse_Cmgs_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine);
+int Parse_Cmgr_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine);
 int Parse_Cmgl_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine);
 int Parse_CCWA_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine);
 int Parse_RINGBACK_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine);

@@ -21,4 +21,9 @@ int OpenListFile(const char* path);
 // `size` when the file system took no more; -1 when the file cannot be opened.
 ssize_t WriteListFile(const char* path, const void* record, size_t size);
 
+// The same for a list that is worthless without its file. False when not all of it was written. A file that
+// cannot be opened ends the process with status 1: a router whose configuration directory cannot be written
+// needs its supervisor. `name` is the file's in log lines, which carry "atdecode".
+bool BackUpList(const char* path, const char* name, const void* record, size_t size);
+
 #endif

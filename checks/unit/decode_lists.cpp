@@ -1,3 +1,6 @@
+#include <stdio.h>
+#include <stdlib.h>
+
 #include "checks/support/log_capture.h"
 #include "checks/unit/vectors.h"
 
@@ -73,6 +76,19 @@ TEST(Cmgl, ALineWithoutTwoCommasAbortsTheListing) {
         EXPECT_EQ(Files().Content(kSmsFile), "(none)") << text;
     }
 }
+TEST(Cmgl, ALineThatDoesNotMatchIsListedWithWhatItHas) {
+    StartWith(kModule);
+    Decode(0x0106, SET, "x,y,z;5,,\"n\",7,\"AB\";6,1,\"n\";7,99999999999,\"n\",-99999999999,\"CD\"");
+    EXPECT_EQ(Files().Content(kSmsFile).substr(0, 4 + 4 * 632),
+              Bytes().I32(4).data + Message(0, 0, "", 0, "") + Message(5, 0, "", 0, "") +
+                  Message(6, 1, "n", 0, "") + Message(7, INT32_MAX, "n", INT32_MIN, "CD"));
+}
+TEST(Cmgl, SeparatorsInsideQuotesAreText) {
+    StartWith(kModule);
+    Decode(0x0106, SET, "1,1,\"a;b,c\td\",20,\"AB\"");
+    EXPECT_EQ(Files().Content(kSmsFile).substr(0, 636),
+              Bytes().I32(1).data + Message(1, 1, "a;b,c\td", 20, "AB"));
+}
 TEST(Cmgl, TextsLongerThanTheirFields) {
     StartWith(kModule);
     Decode(0x0106, SET, "1,1,,20,\"" + std::string(400, 'A') + "\"");
@@ -103,7 +119,11 @@ TEST(Cmgl, AShortWriteIsLoggedAndAnswered) {
 TEST(CmglDeathTest, AFileThatCannotBeOpenedEndsTheProcess) {
     StartWith(kModule);
     Files().refused = kSmsFile;
-    EXPECT_EXIT(Decode(0x0106, SET, "1,1,,20,\"AB\""), testing::ExitedWithCode(1), "");
+    const auto decode = [] {
+        atexit([] { fputs(LoggedLines().back().text.c_str(), stderr); });
+        Decode(0x0106, SET, "1,1,,20,\"AB\"");
+    };
+    EXPECT_EXIT(decode(), testing::ExitedWithCode(1), "fopen\\( /etc_rw/config/smsbak , 'w\\+'\\) error!$");
 }
 
 // ---- +CLCC
