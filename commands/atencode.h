@@ -21,6 +21,9 @@ int Make_CCFC_Cmd(AT_CMD_LINE_T* pCmdLine, const _BK_AT_CMD_T* pCmd);
 // +CMGS, SET: notes under "sending_sms" that a message is on its way.
 int Make_Cmgs_Cmd(AT_CMD_LINE_T* pCmdLine, const _BK_AT_CMD_T* pCmd);
 
+// +ZUTR, SET: logs every field.
+int Make_ZUTR_Cmd(AT_CMD_LINE_T* pCmdLine, const _BK_AT_CMD_T* pCmd);
+
 int Make_COPS_Cmd(AT_CMD_LINE_T* pCmdLine, const _BK_AT_CMD_T* pCmd);
 
 #endif

@@ -208,7 +208,7 @@ enum class DecodeKind : uint8_t {
     pending,  // not written yet: changes nothing
     none,     // the result says everything
     answers,  // the first of `answers` that serves the type
-    text,     // every type: the whole text, its length without the NUL
+    text,     // every type, or those of answers[0]: the whole text, its length without the NUL
     custom,   // written by hand; `answers` tell what it does
 };
 

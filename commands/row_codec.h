@@ -166,12 +166,18 @@ struct RowCodec {
         return 0;
     }
 
+    static int ParseText(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine) {
+        if (pRes == nullptr || pRes->ucCmdType >= 8) return 0;
+        if ((Source().decode.answers[0].types >> pRes->ucCmdType & 1) == 0) return 0;
+        return Parse_Text_Res(pRes, pResLine);
+    }
+
     static constexpr Decoder DecodeFunction() {
         switch (Source().decode.kind) {
             case DecodeKind::answers:
                 return &Parse;
             case DecodeKind::text:
-                return &Parse_Text_Res;
+                return Source().decode.answers[0].types == 0 ? &Parse_Text_Res : &ParseText;
             case DecodeKind::custom:
                 return Source().decode.function;
             default:
