@@ -1,8 +1,7 @@
 #ifndef AT_COMMANDS_RECORDS_SMS_H
 #define AT_COMMANDS_RECORDS_SMS_H
 
-/* Parameter records of the short message service; those of +CMTI, +CDSI, +ZVMTI and +ZCLAS, which are only
- * reported, stand in reports/report_records.h. Usable from C11 and C++; the conventions stand in
+/* Parameter records of the short message service. Usable from C11 and C++; the conventions stand in
  * records_network.h. */
 
 #include "records/message.h"
@@ -118,6 +117,27 @@ typedef struct {
     int32_t flag; /* 1 voice mail is waiting */
 } AT_ZVMAIL_READ_RES_PARA_T;
 AT_ASSERT_LAYOUT(sizeof(AT_ZVMAIL_READ_RES_PARA_T) == 4);
+
+/* A new message: +CMTI (0x0110), +ZVMTI (0x0117), +CDSI (0x0112): "<memory>",<index>. Only reported, to
+ * AT_MODULE_SMS. */
+typedef struct {
+    char memory[12]; /* storage that holds it, at most 10 characters */
+    int32_t index;   /* place there */
+} AT_CMTI_NOTIFY_RES_PARA_T;
+typedef AT_CMTI_NOTIFY_RES_PARA_T AT_ZVMTI_NOTIFY_RES_PARA_T;
+typedef AT_CMTI_NOTIFY_RES_PARA_T AT_CDSI_NOTIFY_RES_PARA_T;
+AT_ASSERT_LAYOUT(offsetof(AT_CMTI_NOTIFY_RES_PARA_T, memory) == 0);
+AT_ASSERT_LAYOUT(offsetof(AT_CMTI_NOTIFY_RES_PARA_T, index) == 12);
+AT_ASSERT_LAYOUT(sizeof(AT_CMTI_NOTIFY_RES_PARA_T) == 16);
+
+/* +ZCLAS: <length>,<pdu>, a class 0 message (0x0521). Only reported, to AT_MODULE_SMS. */
+typedef struct {
+    int32_t length; /* octets of the PDU */
+    char pdu[500];  /* hexadecimal, at most 499 characters */
+} AT_ZCLAS_NOTIFY_RES_PARA_T;
+AT_ASSERT_LAYOUT(offsetof(AT_ZCLAS_NOTIFY_RES_PARA_T, length) == 0);
+AT_ASSERT_LAYOUT(offsetof(AT_ZCLAS_NOTIFY_RES_PARA_T, pdu) == 4);
+AT_ASSERT_LAYOUT(sizeof(AT_ZCLAS_NOTIFY_RES_PARA_T) == 504);
 
 /* AT+CMGF=<mode> and +CMGF: <mode> */
 typedef struct {

@@ -1,9 +1,9 @@
 #ifndef AT_COMMANDS_RECORDS_TOOLKIT_H
 #define AT_COMMANDS_RECORDS_TOOLKIT_H
 
-/* Parameter records of the SIM toolkit; those of +ZUPCI and +ZUEND, which are only reported, stand in
- * reports/report_records.h, and all other reports are text. Usable from C11 and C++; the conventions stand in
- * records_network.h. What the numbers mean is between the SIM's application and the toolkit module. */
+/* Parameter records of the SIM toolkit; its reports but +ZUPCI and +ZUEND are text. Usable from C11 and C++;
+ * the conventions stand in records_network.h. What the numbers mean is between the SIM's application and the
+ * toolkit module. */
 
 #include "records/message.h"
 
@@ -49,6 +49,24 @@ AT_ASSERT_LAYOUT(offsetof(AT_ZUTR_SET_PARA_T, addresult) == 16);
 AT_ASSERT_LAYOUT(offsetof(AT_ZUTR_SET_PARA_T, codemode) == 28);
 AT_ASSERT_LAYOUT(offsetof(AT_ZUTR_SET_PARA_T, inputtxtn) == 32);
 AT_ASSERT_LAYOUT(sizeof(AT_ZUTR_SET_PARA_T) == 160);
+
+/* +ZUPCI, a proactive command of the SIM (0x0630). Only reported, to AT_MODULE_SIM, and then all but cmdtype
+ * is filled for 35 alone. */
+typedef struct {
+    int32_t cmdtype;
+    int32_t value[3];
+    char txt[512]; /* at most 511 characters */
+} AT_ZUPCI_NOTIFY_RES_PARA_T;
+AT_ASSERT_LAYOUT(offsetof(AT_ZUPCI_NOTIFY_RES_PARA_T, cmdtype) == 0);
+AT_ASSERT_LAYOUT(offsetof(AT_ZUPCI_NOTIFY_RES_PARA_T, value) == 4);
+AT_ASSERT_LAYOUT(offsetof(AT_ZUPCI_NOTIFY_RES_PARA_T, txt) == 16);
+AT_ASSERT_LAYOUT(sizeof(AT_ZUPCI_NOTIFY_RES_PARA_T) == 528);
+
+/* +ZUEND, the end of a proactive session (0x0632). Only reported, to AT_MODULE_SIM. */
+typedef struct {
+    int32_t result;
+} AT_ZUEND_NOTIFY_RES_PARA_T;
+AT_ASSERT_LAYOUT(sizeof(AT_ZUEND_NOTIFY_RES_PARA_T) == 4);
 
 #ifdef __cplusplus
 }

@@ -6,7 +6,6 @@
 #include "commands/list_file.h"
 #include "commands/records_toolkit.h"
 #include "commands/row.h"
-#include "reports/report_records.h"
 
 // The commands of the SIM toolkit.
 

@@ -4,8 +4,12 @@
 /* What unsolicited reports carry in _BK_AT_RES_T.aucParas, where it is not text: copy it out with memcpy,
  * aucParas is not aligned. Integers are in host byte order, texts NUL-terminated and zero-padded; a field
  * that the modem's line did not hold is zero. usParaLen is the size of the record. Usable from C11 and C++.
- */
+ *
+ * New messages (+CMTI, +ZVMTI, +CDSI), +ZCLAS and the SIM toolkit's +ZUPCI and +ZUEND stand with their
+ * commands in commands/records_sms.h and commands/records_toolkit.h. */
 
+#include "commands/records_sms.h"
+#include "commands/records_toolkit.h"
 #include "records/message.h"
 
 #ifdef __cplusplus
@@ -17,18 +21,6 @@ typedef struct {
     char file_id[36];
     char text[36];
 } AT_ZREFRESH_NOTIFY_RES_PARA_T;
-
-/* A new message: +CMTI (0x0110), +ZVMTI (0x0117), +CDSI (0x0112), to AT_MODULE_SMS. */
-typedef struct {
-    char memory[12];
-    int32_t index;
-} AT_CMTI_NOTIFY_RES_PARA_T;
-
-/* +ZCLAS, a class 0 message, command 0x0521 to AT_MODULE_SMS. */
-typedef struct {
-    int32_t length;
-    char pdu[500];
-} AT_ZCLAS_NOTIFY_RES_PARA_T;
 
 /* +ZVMAIL, voice mail waiting, command 0x0118 to AT_MODULE_SMS. */
 typedef struct {
@@ -99,30 +91,9 @@ typedef struct {
     int32_t value[8]; /* in the order of the modem's line */
 } AT_ZNITZ_NOTIFY_RES_PARA_T;
 
-/* +ZUPCI, a proactive command of the SIM, command 0x0630 to AT_MODULE_SIM. All but cmdtype is filled for 35
- * alone. */
-typedef struct {
-    int32_t cmdtype;
-    int32_t value[3];
-    char txt[512];
-} AT_ZUPCI_NOTIFY_RES_PARA_T;
-
-/* +ZUEND, the end of a proactive session, command 0x0632 to AT_MODULE_SIM. */
-typedef struct {
-    int32_t result;
-} AT_ZUEND_NOTIFY_RES_PARA_T;
-
 AT_ASSERT_LAYOUT(offsetof(AT_ZREFRESH_NOTIFY_RES_PARA_T, file_id) == 0);
 AT_ASSERT_LAYOUT(offsetof(AT_ZREFRESH_NOTIFY_RES_PARA_T, text) == 36);
 AT_ASSERT_LAYOUT(sizeof(AT_ZREFRESH_NOTIFY_RES_PARA_T) == 72);
-
-AT_ASSERT_LAYOUT(offsetof(AT_CMTI_NOTIFY_RES_PARA_T, memory) == 0);
-AT_ASSERT_LAYOUT(offsetof(AT_CMTI_NOTIFY_RES_PARA_T, index) == 12);
-AT_ASSERT_LAYOUT(sizeof(AT_CMTI_NOTIFY_RES_PARA_T) == 16);
-
-AT_ASSERT_LAYOUT(offsetof(AT_ZCLAS_NOTIFY_RES_PARA_T, length) == 0);
-AT_ASSERT_LAYOUT(offsetof(AT_ZCLAS_NOTIFY_RES_PARA_T, pdu) == 4);
-AT_ASSERT_LAYOUT(sizeof(AT_ZCLAS_NOTIFY_RES_PARA_T) == 504);
 
 AT_ASSERT_LAYOUT(sizeof(AT_ZVMAIL_NOTIFY_RES_PARA_T) == 4);
 
@@ -166,13 +137,6 @@ AT_ASSERT_LAYOUT(offsetof(AT_CEREG_NOTIFY_RES_PARA_T, sub_act) == 40);
 AT_ASSERT_LAYOUT(sizeof(AT_CEREG_NOTIFY_RES_PARA_T) == 44);
 
 AT_ASSERT_LAYOUT(sizeof(AT_ZNITZ_NOTIFY_RES_PARA_T) == 32);
-
-AT_ASSERT_LAYOUT(offsetof(AT_ZUPCI_NOTIFY_RES_PARA_T, cmdtype) == 0);
-AT_ASSERT_LAYOUT(offsetof(AT_ZUPCI_NOTIFY_RES_PARA_T, value) == 4);
-AT_ASSERT_LAYOUT(offsetof(AT_ZUPCI_NOTIFY_RES_PARA_T, txt) == 16);
-AT_ASSERT_LAYOUT(sizeof(AT_ZUPCI_NOTIFY_RES_PARA_T) == 528);
-
-AT_ASSERT_LAYOUT(sizeof(AT_ZUEND_NOTIFY_RES_PARA_T) == 4);
 
 #ifdef __cplusplus
 }
