@@ -337,6 +337,27 @@ TEST_F(Delivery, CallerIdReadSendsAReportAndAnswersZeros) {
     EXPECT_EQ(Messages()[1], Answer(0x0513, AT_CMD_TYPE_READ, 1, 4, ""));
 }
 
+TEST_F(Delivery, VoiceMailReadSendsAReportAndAnswersZeros) {
+    Pend(0x0118, AT_CMD_TYPE_READ);
+    Feed("\r\n+ZVMAIL: 1\r\n\r\nOK\r\n");
+    ASSERT_EQ(Messages().size(), 2U);
+    EXPECT_EQ(Messages()[0].target, AT_MODULE_SMS);
+    EXPECT_EQ(Messages()[0].id, 0x0118);
+    EXPECT_EQ(Messages()[0].type, 1);
+    EXPECT_EQ(Messages()[0].para_len, 4);
+    EXPECT_EQ(Messages()[1], Answer(0x0118, AT_CMD_TYPE_READ, 1, 4, ""));
+}
+
+TEST_F(Delivery, CallWaitingQuerySendsAReportAndAnswersTheResultAlone) {
+    Pend(0x052C, AT_CMD_TYPE_SET);
+    Feed("\r\n+CCWA: 1,1\r\n\r\nOK\r\n");
+    ASSERT_EQ(Messages().size(), 2U);
+    EXPECT_EQ(Messages()[0].target, AT_MODULE_CALL);
+    EXPECT_EQ(Messages()[0].id, 0x052C);
+    EXPECT_EQ(Messages()[0].type, 1);
+    EXPECT_EQ(Messages()[1], Answer(0x052C, AT_CMD_TYPE_SET, 1, 2, "OK"));
+}
+
 TEST_F(Delivery, BroadcastIsReportedForEachResponseFramedUpToIt) {
     Feed("\r\nRING\r\n\r\n+CBM: 8\r\n0011223344556677\r\n");
     int broadcasts = 0;
