@@ -7,6 +7,7 @@
 #include "commands/rows_device.h"
 #include "commands/rows_network.h"
 #include "commands/rows_phonebook.h"
+#include "commands/rows_radio.h"
 #include "commands/rows_sim.h"
 #include "commands/rows_sms.h"
 #include "commands/rows_toolkit.h"
@@ -14,7 +15,7 @@
 // The domains of the command table.
 
 template <template <const auto&...> typename Use>
-using WithAllRows =
-    Use<kCallsRows, kDataRows, kDeviceRows, kNetworkRows, kPhonebookRows, kSimRows, kSmsRows, kToolkitRows>;
+using WithAllRows = Use<kCallsRows, kDataRows, kDeviceRows, kNetworkRows, kPhonebookRows, kRadioRows,
+                        kSimRows, kSmsRows, kToolkitRows>;
 
 #endif

@@ -43,6 +43,9 @@ int Parse_COPS_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine);
 int Parse_CREG_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine);
 int Parse_Cmgs_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine);
 int Parse_Cmgr_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine);
+int Parse_ZLOCKBAND_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine);
+int Parse_ZROAM_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine);
+int Parse_ZRSSI_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine);
 int Parse_Cmgl_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine);
 int Parse_CPBS_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine);
 int Parse_CPBR_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine);
@@ -52,5 +55,10 @@ int Parse_RINGBACK_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine);
 int Parse_CLCC_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine);
 // The answer of a USSD command and the +CUSD report: the record goes into /etc/cusd.
 int Parse_CUSD_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine);
+
+// The answer of a background LTE cell scan, EXEC: chooses the best cell and leaves the duplex mode to prefer
+// in configuration key lte_diag_mode. Writes nothing into the response. No command of the table has it: for a
+// build whose modem has such a scan.
+int Parse_BGLTEPLMN_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine);
 
 #endif
