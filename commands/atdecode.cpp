@@ -19,20 +19,16 @@ const AnswerSpec* AnswerFor(uint8_t type, const DecodeSpec& spec) {
     return nullptr;
 }
 
-// "OK" in the place of a record is an answer without one; the two failure texts are none at all.
-bool OnlyAResult(_BK_AT_RES_T* pRes, const char* text) {
-    if (strcmp(text, "OK") == 0) {
-        pRes->usParaLen = 2;
-        return true;
-    }
-    return strcmp(text, "retry operation") == 0 || strcmp(text, "network rejected request") == 0;
-}
-
 void CopyText(uint8_t* record, const FieldRef& field, const char* text) {
     memcpy(record + field.offset, text, strnlen(text, field.size - size_t{1}));
 }
 
 }  // namespace
+
+bool IsOnlyAResult(const char* text) {
+    return strcmp(text, "OK") == 0 || strcmp(text, "retry operation") == 0 ||
+           strcmp(text, "network rejected request") == 0;
+}
 
 void LogWithText(const char* source, int line, const char* format, const char* text) {
     const char* hole = strstr(format, "%s");
@@ -63,7 +59,11 @@ bool DecodeBySpec(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine, const DecodeSpec&
     if (pRes == nullptr || pResLine == nullptr) return false;
     const AnswerSpec* answer = AnswerFor(pRes->ucCmdType, spec);
     if (answer == nullptr || answer->size > sizeof pRes->aucParas) return false;
-    if (answer->result_test && OnlyAResult(pRes, pResLine->strResParas)) return false;
+    if (answer->result_test && IsOnlyAResult(pResLine->strResParas)) {
+        // "OK" is an answer without a record; the failure texts are none at all.
+        if (strcmp(pResLine->strResParas, "OK") == 0) pRes->usParaLen = 2;
+        return false;
+    }
     if (answer->from == From::normalised) PreProc_Res_ParaLine(pResLine->strResParas);
     if (answer->log_text != nullptr)
         LogWithText(kLogSource, __LINE__, answer->log_text, pResLine->strResParas);

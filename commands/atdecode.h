@@ -39,13 +39,23 @@ inline int Parse_Zgink_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine) {
     return Parse_Text_Res(pRes, pResLine);
 }
 
+int Parse_CGATT_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine);
+int Parse_CGDCONT_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine);
+int Parse_CLCK_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine);
 int Parse_COPS_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine);
+// ^CPIN, which is not +CPIN.
+int Parse_CPIN_V_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine);
 int Parse_CREG_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine);
 int Parse_Cmgs_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine);
 int Parse_Cmgr_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine);
+int Parse_ZCELLINFO_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine);
+int Parse_ZEMCI_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine);
+int Parse_ZGIPDNS_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine);
+int Parse_ZICCID_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine);
 int Parse_ZLOCKBAND_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine);
 int Parse_ZROAM_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine);
 int Parse_ZRSSI_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine);
+int Parse_ZSET_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine);
 int Parse_Cmgl_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine);
 int Parse_CPBS_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine);
 int Parse_CPBR_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine);

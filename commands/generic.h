@@ -54,6 +54,10 @@ struct DecodeSpec {
 // Decodes by the first answer that serves the type. Returns true when the parameters were written.
 bool DecodeBySpec(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine, const DecodeSpec& spec);
 
+// True for the texts that stand in the place of a record: "OK" and the two failure texts of facility
+// commands.
+bool IsOnlyAResult(const char* text);
+
 // Logs `format`, whose one "%s" is `text`, at information level. `source` is the module.
 void LogWithText(const char* source, int line, const char* format, const char* text);
 
