@@ -25,6 +25,7 @@ int Make_Cmgs_Cmd(AT_CMD_LINE_T* pCmdLine, const _BK_AT_CMD_T* pCmd);
 int Make_ZUTR_Cmd(AT_CMD_LINE_T* pCmdLine, const _BK_AT_CMD_T* pCmd);
 
 int Make_COPS_Cmd(AT_CMD_LINE_T* pCmdLine, const _BK_AT_CMD_T* pCmd);
+int Make_ZEMCI_Cmd(AT_CMD_LINE_T* pCmdLine, const _BK_AT_CMD_T* pCmd);
 int Make_ZLOCKF_Cmd(AT_CMD_LINE_T* pCmdLine, const _BK_AT_CMD_T* pCmd);
 int Make_Zroam_cmd(AT_CMD_LINE_T* pCmdLine, const _BK_AT_CMD_T* pCmd);
 
