@@ -1,0 +1,29 @@
+#ifndef AT_COMMANDS_TIMEOUTS_H
+#define AT_COMMANDS_TIMEOUTS_H
+
+#include <stdint.h>
+
+// How long a command may take, in seconds: then the server answers in the modem's place. What is asked of the
+// network takes longest.
+constexpr unsigned TimeoutSeconds(uint16_t cmd_id) {
+    switch (cmd_id) {
+        case 0x0401:  // D
+            return 60;
+        case 0x0612:  // +CGATT
+            return 80;
+        case 0x0620:  // +ZGAAT
+        case 0x0623:  // +ZGACT
+        case 0x0624:  // +CGACT
+            return 90;
+        case 0x0106:  // +CMGL
+        case 0x010B:  // +CMGD
+            return 120;
+        case 0x0108:  // +CMGS
+        case 0x0517:  // +COPS
+            return 180;
+        default:
+            return 10;
+    }
+}
+
+#endif
