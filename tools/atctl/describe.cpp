@@ -1,0 +1,373 @@
+#include "tools/atctl/describe.h"
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+
+#include "commands/timeouts.h"
+#include "tools/atctl/answer.h"
+#include "tools/atctl/find_command.h"
+#include "tools/atctl/request.h"
+
+using Json = nlohmann::ordered_json;
+
+namespace {
+
+bool ReportOnly(const Row& row) {
+    return row.encode.kind == EncodeKind::absent;
+}
+
+std::string TypeText(FieldType type) {
+    switch (type) {
+        case FieldType::i32:
+            return "integer";
+        case FieldType::u64:
+            return "64-bit integer";
+        case FieldType::f32:
+            return "float";
+        case FieldType::text:
+            return "text";
+        default:
+            return "bytes";
+    }
+}
+
+// Bytes that an answer tells; the whole record where it is in a file.
+size_t AnswerLength(const Answer& answer) {
+    if (answer.length != 0) return answer.length;
+    return answer.record == nullptr ? 0 : answer.record->size;
+}
+
+// The line with the fields' names in the place of the values.
+std::string LineText(const Row& row, const Form& form) {
+    std::string line = std::string("AT") + row.name + "=";
+    size_t next = 0;
+    for (const char* at = form.format; *at != '\0';) {
+        if (*at != '%') {
+            line += *at++;
+            continue;
+        }
+        Conversion conversion;
+        at = ReadConversion(at, conversion);
+        if (conversion.kind == '%') {
+            line += '%';
+            continue;
+        }
+        const FieldRef ref = ArgRef(*row.encode.record, form.args, next++);
+        for (size_t i = 0; i < row.encode.record->count; ++i)
+            if (row.encode.record->fields[i].offset == ref.offset)
+                line.append("<").append(row.encode.record->fields[i].name).append(">");
+        if (conversion.kind == 'x' || conversion.kind == 'l') line += " in hexadecimal";
+    }
+    return line;
+}
+
+std::string ConditionText(const Form& form) {
+    std::vector<std::string> parts;
+    for (const When& when : form.when) {
+        if (when.field == nullptr) continue;
+        const std::string field = when.field;
+        switch (when.test) {
+            case Test::present:
+                parts.push_back(field + " is given");
+                break;
+            case Test::absent:
+                parts.push_back(field + " is not given");
+                break;
+            case Test::equals:
+                parts.push_back(field + " is " + std::to_string(when.value));
+                break;
+            case Test::at_least:
+                parts.push_back(field + " is " + std::to_string(when.value) + " or more");
+                break;
+        }
+    }
+    return Join(parts, " and ");
+}
+
+// What a form takes and gives, in a few characters: "30 > 24", "> text", "number".
+std::string Cell(const Row& row, uint8_t type) {
+    if (ReportOnly(row)) return "";
+    std::string cell;
+    if (const Record* record = RequestRecord(row, type)) cell = std::to_string(record->size);
+    if (TakesNumber(row, type)) cell = "number";
+    std::string gives;
+    if (row.decode.kind == DecodeKind::text) gives = "text";
+    if (const Answer* answer = AnswerOf(row, type); answer != nullptr && answer->record != nullptr)
+        gives = answer->file != nullptr ? "file" : std::to_string(AnswerLength(*answer));
+    if (!gives.empty()) cell += (cell.empty() ? "> " : " > ") + gives;
+    return cell.empty() ? "-" : cell;
+}
+
+// The same in words.
+std::string Exchange(const Row& row, uint8_t type) {
+    std::vector<std::string> parts;
+    if (const Record* record = RequestRecord(row, type))
+        parts.push_back("takes " + Number(record->size, "byte", "bytes"));
+    if (TakesNumber(row, type)) parts.emplace_back("takes a telephone number");
+    const Answer* answer = AnswerOf(row, type);
+    if (row.decode.kind == DecodeKind::text) parts.emplace_back("gives text");
+    if (answer != nullptr && answer->file != nullptr)
+        parts.emplace_back("gives a file");
+    else if (answer != nullptr && answer->record != nullptr)
+        parts.push_back("gives " + Number(AnswerLength(*answer), "byte", "bytes"));
+    return Join(parts, ", ");
+}
+
+void PrintRecord(std::ostream& out, const Record& record, const Row* request_of) {
+    Table table(4);
+    table.Row({"offset", "size", "type", "name", "meaning"});
+    for (size_t i = 0; i < record.count; ++i) {
+        const Field& field = record.fields[i];
+        std::string meaning = field.meaning;
+        if (request_of != nullptr && !Required(*request_of, field))
+            meaning += meaning.empty() ? "may be left out" : " (may be left out)";
+        table.Row({std::to_string(field.offset), std::to_string(field.size), TypeText(field.type), field.name,
+                   meaning});
+    }
+    table.Print(out);
+    if (record.entry == nullptr) return;
+    out << "    then from offset " << record.entry_offset << " up to " << record.entry_count << " times "
+        << record.entry->name << ", " << record.entry->size << " bytes each:\n";
+    PrintRecord(out, *record.entry, nullptr);
+}
+
+std::string TypesText(Types types) {
+    std::vector<std::string> names;
+    for (const uint8_t type : kTypes)
+        if ((types & (1U << type)) != 0) names.emplace_back(TypeName(type));
+    return names.size() == std::size(kTypes) ? "every form" : Join(names, ", ");
+}
+
+void PrintAnswers(std::ostream& out, const Row& row) {
+    const bool own = row.decode.kind == DecodeKind::answers || row.decode.kind == DecodeKind::custom;
+    const char* const what = ReportOnly(row) ? "report" : "answer";
+    if (row.decode.kind == DecodeKind::text) out << "\n" << what << ": the modem's text\n";
+    if (row.decode.kind == DecodeKind::none) out << "\n" << what << ": the result alone\n";
+    if (!own) return;
+    for (const Answer& answer : row.decode.answers) {
+        if (answer.types == 0) continue;
+        out << "\n" << what << " to " << TypesText(answer.types);
+        if (answer.record == nullptr) {
+            out << ": the result alone\n";
+            continue;
+        }
+        out << ": " << answer.record->name << ", " << Number(answer.record->size, "byte", "bytes");
+        if (AnswerLength(answer) != answer.record->size) out << ", told as " << AnswerLength(answer);
+        if (answer.carried != 0) out << ", the first " << answer.carried << " in the message";
+        if (answer.file != nullptr) out << ", in the file " << answer.file;
+        out << "\n";
+        PrintRecord(out, *answer.record, nullptr);
+    }
+}
+
+void PrintForms(std::ostream& out, const Row& row) {
+    Table table(2);
+    for (const Form& form : row.encode.forms) {
+        if (form.format == nullptr) continue;
+        const std::string when = ConditionText(form);
+        table.Row({LineText(row, form), when.empty() ? "" : "when " + when});
+    }
+    out << "\nline\n";
+    table.Print(out);
+}
+
+Json FieldsJson(const Record& record, const Row* request_of) {
+    Json fields = Json::array();
+    for (size_t i = 0; i < record.count; ++i) {
+        const Field& field = record.fields[i];
+        Json one = {{"name", field.name},
+                    {"offset", field.offset},
+                    {"size", field.size},
+                    {"type", TypeText(field.type)},
+                    {"meaning", field.meaning}};
+        if (request_of != nullptr) one["required"] = Required(*request_of, field);
+        fields.push_back(std::move(one));
+    }
+    return fields;
+}
+
+Json RecordJson(const Record& record, const Row* request_of) {
+    Json json = {{"record", record.name}, {"size", record.size}, {"fields", FieldsJson(record, request_of)}};
+    if (record.entry != nullptr)
+        json["entries"] = {{"record", record.entry->name},
+                           {"offset", record.entry_offset},
+                           {"count", record.entry_count},
+                           {"size", record.entry->size},
+                           {"fields", FieldsJson(*record.entry, nullptr)}};
+    return json;
+}
+
+Json TypesJson(const Row& row) {
+    Json types = Json::object();
+    for (const uint8_t type : kTypes) {
+        Json one = Json::object();
+        const Record* record = RequestRecord(row, type);
+        one["request"] = record == nullptr ? 0 : record->size;
+        if (TakesNumber(row, type)) one["number"] = true;
+        const Answer* answer = AnswerOf(row, type);
+        one["answer"] = answer == nullptr ? 0 : AnswerLength(*answer);
+        if (row.decode.kind == DecodeKind::text) one["text"] = true;
+        if (answer != nullptr && answer->file != nullptr) one["file"] = answer->file;
+        types[TypeName(type)] = std::move(one);
+    }
+    return types;
+}
+
+Json HeadJson(const Row& row) {
+    return {{"id", row.id},
+            {"name", row.name},
+            {"title", row.title},
+            {"position", row.position},
+            {"report_only", ReportOnly(row)}};
+}
+
+}  // namespace
+
+void PrintList(std::ostream& out, const Paint& paint) {
+    // Names and titles that do not fit their columns stand in a line of their own.
+    constexpr size_t kName = 16;
+    constexpr size_t kTitle = 32;
+    constexpr size_t kCell = 9;
+    const auto pad = [](std::string text, size_t width) {
+        text.resize(std::max(text.size(), width), ' ');
+        return text + " ";
+    };
+    out << paint.Bold(pad("ID", 6) + pad("NAME", kName) + pad("TITLE", kTitle) + pad("EXECUTE", kCell) +
+                      pad("SET", kCell) + pad("READ", kCell) + "TEST")
+        << "\n";
+    for (const Row& row : Commands()) {
+        const std::string_view name = *row.name == '\0' ? "''" : row.name;
+        std::string line = pad(HexNumber(row.id), 6);
+        if (name.size() > kName) {
+            out << line << name << "\n";
+            line = pad("", 6) + pad("", kName);
+        } else {
+            line += pad(std::string(name), kName);
+        }
+        const std::string_view title = row.title;
+        if (title.size() > kTitle) {
+            out << line << title << "\n";
+            line = pad("", 6) + pad("", kName) + pad("", kTitle);
+        } else {
+            line += pad(std::string(title), kTitle);
+        }
+        if (ReportOnly(row))
+            line += "report only";
+        else
+            for (const uint8_t type : kTypes)
+                line += pad(Cell(row, type), kCell);
+        line.erase(line.find_last_not_of(' ') + 1);
+        out << line << "\n";
+    }
+    out << "\nUnder each form: bytes of the request > bytes of the answer (number: a telephone number,\n"
+           "text: the modem's own words, file: a list in a file, -: nothing but the result).\n";
+}
+
+Json ListJson() {
+    Json list = Json::array();
+    for (const Row& row : Commands()) {
+        Json one = HeadJson(row);
+        if (!ReportOnly(row)) one["types"] = TypesJson(row);
+        list.push_back(std::move(one));
+    }
+    return list;
+}
+
+void PrintCommand(std::ostream& out, const Paint& paint, const Row& row) {
+    out << paint.Bold(*row.name == '\0' ? "(no name: the bare AT)" : row.name);
+    if (*row.title != '\0') out << "  " << row.title;
+    out << "\n";
+    Table head(2);
+    head.Row({"id", HexNumber(row.id)});
+    head.Row({"position", std::to_string(row.position) + " of " + std::to_string(Commands().size()) +
+                              " in the search order"});
+    if (ReportOnly(row)) {
+        head.Row({"sent", "never; the modem reports it"});
+    } else {
+        head.Row({"time-out", std::to_string(TimeoutSeconds(row.id)) + " s"});
+        for (const uint8_t type : kTypes) {
+            head.Row({TypeName(type), std::string("AT") + row.name + Suffix(type), Exchange(row, type)});
+        }
+        head.Row({"example", ExampleCall(row)});
+    }
+    head.Print(out);
+
+    for (const uint8_t type : kTypes) {
+        if (TakesNumber(row, type))
+            out << "\nrequest with " << TypeName(type) << ": a telephone number, 1 to " << kLongestNumber
+                << " characters; the server adds \";\"\n";
+        const Record* record = RequestRecord(row, type);
+        if (record == nullptr) continue;
+        out << "\nrequest with " << TypeName(type) << ": " << record->name << ", "
+            << Number(record->size, "byte", "bytes") << "\n";
+        PrintRecord(out, *record, &row);
+        if (row.encode.forms[0].format != nullptr) PrintForms(out, row);
+    }
+    PrintAnswers(out, row);
+}
+
+Json CommandJson(const Row& row) {
+    Json json = HeadJson(row);
+    if (!ReportOnly(row)) {
+        json["timeout"] = TimeoutSeconds(row.id);
+        json["types"] = TypesJson(row);
+        json["example"] = ExampleCall(row);
+    }
+    if (const Record* record = RequestRecord(row, AT_CMD_TYPE_SET)) {
+        json["request"] = RecordJson(*record, &row);
+        json["request"]["lines"] = Json::array();
+        for (const Form& form : row.encode.forms)
+            if (form.format != nullptr)
+                json["request"]["lines"].push_back(
+                    {{"format", form.format}, {"line", LineText(row, form)}, {"when", ConditionText(form)}});
+    }
+    json["answers"] = Json::array();
+    for (const Answer& answer : row.decode.answers) {
+        if (answer.types == 0) continue;
+        Json one = {{"types", Json::array()}};
+        for (const uint8_t type : kTypes)
+            if ((answer.types & (1U << type)) != 0) one["types"].push_back(TypeName(type));
+        one["length"] = AnswerLength(answer);
+        if (answer.carried != 0) one["carried"] = answer.carried;
+        if (answer.file != nullptr) one["file"] = answer.file;
+        if (answer.record != nullptr) one.update(RecordJson(*answer.record, nullptr));
+        json["answers"].push_back(std::move(one));
+    }
+    return json;
+}
+
+std::string ExampleCall(const Row& row) {
+    if (ReportOnly(row)) return {};
+    const auto call = [&](uint8_t type) {
+        return "atctl send " + ShellWord(std::string(row.name) + Suffix(type));
+    };
+    for (const uint8_t type : kTypes) {
+        if (TakesNumber(row, type)) return call(type) + " 5550123";
+        const Record* record = RequestRecord(row, type);
+        if (record == nullptr) continue;
+        std::string text = call(type);
+        bool in_order = true;
+        size_t given = 0;
+        const auto add = [&](const Field& field) {
+            const bool is_text = field.type == FieldType::text || field.type == FieldType::bytes;
+            const std::string value = is_text ? std::string(field.name).substr(0, Capacity(field)) : "1";
+            text += " " + (in_order ? ShellWord(value) : std::string(field.name) + "=" + ShellWord(value));
+            ++given;
+        };
+        for (size_t i = 0; i < record->count; ++i) {
+            if (Required(row, record->fields[i]))
+                add(record->fields[i]);
+            else
+                in_order = false;
+        }
+        if (given == 0)
+            for (size_t i = 0; i < record->count; ++i)
+                add(record->fields[i]);
+        return text;
+    }
+    // The form that is answered with something.
+    for (const uint8_t type : kTypes)
+        if (const Answer* answer = AnswerOf(row, type); answer != nullptr && answer->record != nullptr)
+            return call(type);
+    return call(AT_CMD_TYPE_EXEC);
+}

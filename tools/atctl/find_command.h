@@ -1,0 +1,32 @@
+#ifndef AT_TOOLS_ATCTL_FIND_COMMAND_H
+#define AT_TOOLS_ATCTL_FIND_COMMAND_H
+
+#include <cstdint>
+#include <span>
+#include <string_view>
+
+#include "commands/row.h"
+
+// The command table as people address it. Where nothing can be found, Misuse says what was meant perhaps.
+
+// One command in one of its forms.
+struct Call {
+    const Row* row;
+    uint8_t type;  // AT_CMD_TYPE_...
+};
+
+// The whole table, in search order.
+std::span<const Row> Commands();
+
+inline constexpr uint8_t kTypes[] = {AT_CMD_TYPE_EXEC, AT_CMD_TYPE_SET, AT_CMD_TYPE_READ, AT_CMD_TYPE_TEST};
+const char* TypeName(uint8_t type);  // "execute", "set", "read", "test"
+const char* Suffix(uint8_t type);    // "", "=", "?", "=?"
+
+// The command of this name, in any case, with or without its first sign ("csq" is "+CSQ") where only one
+// fits.
+const Row& FindCommand(std::string_view name);
+
+// The command of a name with the suffix of a form: "+CSQ", "+CFUN=", "+CREG?", "+COPS=?".
+Call FindCall(std::string_view text);
+
+#endif

@@ -1,0 +1,141 @@
+#include <unistd.h>
+
+#include <CLI/CLI.hpp>
+#include <cstdlib>
+#include <iostream>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+#include "tools/atctl/describe.h"
+#include "tools/atctl/find_command.h"
+#include "tools/atctl/misuse.h"
+#include "tools/atctl/send.h"
+#include "tools/atctl/stop_signal.h"
+#include "tools/atctl/text.h"
+
+namespace {
+
+constexpr char kAbout[] = "Asks the AT server of this machine, as the router's modules do.";
+
+constexpr char kSendNotes[] =
+    "The command's suffix is its form: none executes, = sets, ? reads, =? tests. Values stand for the "
+    "fields\n"
+    "in order, or as name=value; atctl show tells them. A value that begins with - and a letter goes behind "
+    "--.\n\n"
+    "Examples:\n"
+    "  atctl send '+CSQ'            asks for the signal quality\n"
+    "  atctl send '+CFUN=' fun=1    switches the radio on\n\n"
+    "Exit status: 0 result 1 (OK), 1 any other result, 2 nothing was sent (a wrong call, no server, its "
+    "queue\n"
+    "is full or not ours), 3 no answer came in time.\n";
+
+constexpr char kListNotes[] =
+    "Examples:\n"
+    "  atctl list\n"
+    "  atctl list --json\n";
+
+constexpr char kShowNotes[] =
+    "The name may be in any case, and without its sign where only one command fits.\n\n"
+    "Examples:\n"
+    "  atctl show '+CREG'\n"
+    "  atctl show csq --json\n";
+
+// Negative numbers are values; the option parser takes them for options unless they are disguised.
+constexpr char kDisguise = '\x01';
+
+std::vector<std::string> Arguments(int argc, char** argv) {
+    std::vector<std::string> arguments;
+    for (int i = argc - 1; i > 0; --i) {
+        std::string argument = argv[i];
+        if (argument.size() > 1 && argument[0] == '-' && argument[1] >= '0' && argument[1] <= '9')
+            argument.insert(argument.begin(), kDisguise);
+        arguments.push_back(std::move(argument));
+    }
+    return arguments;  // last one first, as the parser wants them
+}
+
+void Undisguise(std::string& argument) {
+    if (!argument.empty() && argument[0] == kDisguise) argument.erase(0, 1);
+}
+
+int Run(int argc, char** argv) {
+    CLI::App app(kAbout, "atctl");
+    app.set_version_flag("--version", std::string("atctl " ATCTL_VERSION));
+    app.require_subcommand(1);
+    app.get_formatter()->column_width(28);
+
+    SendOptions options;
+    CLI::App* send = app.add_subcommand("send", "Send one request and show its answer");
+    send->add_option("COMMAND", options.command, "'+CSQ', '+CREG?', '+COPS=?', '+CFUN=', D, ...")->required();
+    send->add_option("FIELD", options.fields, "Values in order, or name=value")->type_name("");
+    send->add_flag("--json", options.json, "One JSON object");
+    send->add_option("--timeout", options.timeout,
+                     "Wait so long for the answer (default: the command's own time and a quarter, and 5 s)")
+        ->type_name("SECONDS")
+        ->check(CLI::Range(0.001, 86400.0));
+    send->add_option("--module", options.module,
+                     "Ask as this module, with a queue of this key (default: a free one of 0x6000..0x7FFF)")
+        ->type_name("ID");
+    send->add_flag("--verbose", options.verbose,
+                   "The request's record and the answer's header, on standard error");
+    send->footer(kSendNotes);
+
+    bool json = false;
+    std::string name;
+    CLI::App* list = app.add_subcommand("list", "List the commands of the server");
+    list->add_flag("--json", json, "One JSON array");
+    list->footer(kListNotes);
+
+    CLI::App* show = app.add_subcommand("show", "Show everything about one command");
+    show->add_option("NAME", name, "'+CREG', csq, ...")->required();
+    show->add_flag("--json", json, "One JSON object");
+    show->footer(kShowNotes);
+
+    try {
+        app.parse(Arguments(argc, argv));
+    } catch (const CLI::ParseError& error) {
+        if (error.get_exit_code() == 0) return app.exit(error);
+        std::cerr << "atctl: " << Printable(error.what()) << "; atctl --help tells more\n";
+        return kExitNotSent;
+    }
+
+    const Paint paint = PaintFor(STDOUT_FILENO);
+    if (send->parsed()) {
+        Undisguise(options.command);
+        for (std::string& field : options.fields)
+            Undisguise(field);
+        CatchStopSignals();
+        QueueClient::Setup setup;
+        setup.stop = StopRequested;
+        const int status = Send(options, setup, {std::cout, std::cerr, paint});
+        EndByStopSignal();
+        return status;
+    }
+    if (list->parsed()) {
+        if (json)
+            std::cout << ListJson().dump(2) << '\n';
+        else
+            PrintList(std::cout, paint);
+        return kExitGood;
+    }
+    const Row& row = FindCommand(name);
+    if (json)
+        std::cout << CommandJson(row).dump(2) << '\n';
+    else
+        PrintCommand(std::cout, paint, row);
+    return kExitGood;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    try {
+        const int status = Run(argc, argv);
+        std::cout.flush();
+        return status;
+    } catch (const Misuse& misuse) {
+        std::cerr << "atctl: " << misuse.what() << '\n';
+        return kExitNotSent;
+    }
+}

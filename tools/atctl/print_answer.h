@@ -1,0 +1,27 @@
+#ifndef AT_TOOLS_ATCTL_PRINT_ANSWER_H
+#define AT_TOOLS_ATCTL_PRINT_ANSWER_H
+
+#include <nlohmann/json_fwd.hpp>
+#include <ostream>
+#include <string>
+
+#include "tools/atctl/answer.h"
+#include "tools/atctl/text.h"
+
+// Answers for people and for scripts.
+
+// What a value means: of a meaning that lists values ("0 off, 1 on") the words of this one, else all of it.
+std::string MeaningOf(const Value& value);
+
+// A value as people read it, and its words behind it where there are some ("2 (current)").
+std::string ValueText(const Value& value);
+
+void PrintAnswer(std::ostream& out, const Paint& paint, const Row& row, const Decoded& decoded);
+
+// {command, type, id, result, result_text, fields and entries or text, para_len, ...}
+nlohmann::ordered_json AnswerJson(const Row& row, const Decoded& decoded);
+
+// `name  value  (meaning)`, aligned.
+void PrintFields(std::ostream& out, const std::vector<Value>& values);
+
+#endif
