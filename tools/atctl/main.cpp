@@ -1,6 +1,7 @@
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cstdlib>
 #include <iostream>
 #include <nlohmann/json.hpp>
@@ -59,6 +60,24 @@ void Undisguise(std::string& argument) {
     if (!argument.empty() && argument[0] == kDisguise) argument.erase(0, 1);
 }
 
+// Empty, or what is wrong.
+std::string CheckSeconds(std::string& text) {
+    char* end = nullptr;
+    const double seconds = strtod(text.c_str(), &end);
+    const bool good = !text.empty() && *end == '\0' && seconds >= 0.001 && seconds <= 86400;
+    return good ? "" : "\"" + Printable(text) + "\" is not a time from 0.001 to 86400 seconds";
+}
+
+// The first word is a subcommand, or an option.
+void CheckSubcommand(const CLI::App& app, int argc, char** argv) {
+    if (argc < 2 || *argv[1] == '-') return;
+    std::vector<std::string> names;
+    for (const CLI::App* subcommand : app.get_subcommands([](const CLI::App*) { return true; }))
+        names.push_back(subcommand->get_name());
+    if (std::find(names.begin(), names.end(), argv[1]) == names.end())
+        throw Misuse("there is no subcommand \"" + Printable(argv[1]) + "\", only " + Join(names, ", "));
+}
+
 int Run(int argc, char** argv) {
     CLI::App app(kAbout, "atctl");
     app.set_version_flag("--version", std::string("atctl " ATCTL_VERSION));
@@ -67,13 +86,15 @@ int Run(int argc, char** argv) {
 
     SendOptions options;
     CLI::App* send = app.add_subcommand("send", "Send one request and show its answer");
-    send->add_option("COMMAND", options.command, "'+CSQ', '+CREG?', '+COPS=?', '+CFUN=', D, ...")->required();
+    send->add_option("COMMAND", options.command, "'+CSQ', '+CREG?', '+COPS=?', '+CFUN=', D, ...")
+        ->required()
+        ->type_name("");
     send->add_option("FIELD", options.fields, "Values in order, or name=value")->type_name("");
     send->add_flag("--json", options.json, "One JSON object");
     send->add_option("--timeout", options.timeout,
                      "Wait so long for the answer (default: the command's own time and a quarter, and 5 s)")
         ->type_name("SECONDS")
-        ->check(CLI::Range(0.001, 86400.0));
+        ->check(CLI::Validator(CheckSeconds, ""));
     send->add_option("--module", options.module,
                      "Ask as this module, with a queue of this key (default: a free one of 0x6000..0x7FFF)")
         ->type_name("ID");
@@ -88,10 +109,11 @@ int Run(int argc, char** argv) {
     list->footer(kListNotes);
 
     CLI::App* show = app.add_subcommand("show", "Show everything about one command");
-    show->add_option("NAME", name, "'+CREG', csq, ...")->required();
+    show->add_option("NAME", name, "'+CREG', csq, ...")->required()->type_name("");
     show->add_flag("--json", json, "One JSON object");
     show->footer(kShowNotes);
 
+    CheckSubcommand(app, argc, argv);
     try {
         app.parse(Arguments(argc, argv));
     } catch (const CLI::ParseError& error) {
