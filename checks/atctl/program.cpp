@@ -1,0 +1,346 @@
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <linux/capability.h>
+#include <poll.h>
+#include <signal.h>
+#include <sys/ipc.h>
+#include <sys/msg.h>
+#include <sys/prctl.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdlib>
+#include <functional>
+#include <nlohmann/json.hpp>
+
+#include "checks/atctl/support.h"
+
+// The program itself: what it prints where, and its exit statuses. The server's queue has the real key, so
+// these checks run in a world with queues of its own, where ATCTL names the program.
+
+namespace {
+
+struct Outcome {
+    int status = -1;  // exit status, or 128 + the signal
+    std::string out;
+    std::string err;
+};
+
+struct Child {
+    pid_t pid = -1;
+    int out = -1;
+    int err = -1;
+};
+
+using Prepare = std::function<void()>;
+
+Child Start(
+    std::vector<std::string> arguments, const Prepare& prepare = [] {}, int terminal = -1) {
+    int out[2] = {-1, -1};
+    int err[2] = {-1, -1};
+    if (pipe(out) != 0 || pipe(err) != 0) abort();
+    arguments.insert(arguments.begin(), "atctl");
+    std::vector<char*> argv;
+    for (std::string& argument : arguments)
+        argv.push_back(argument.data());
+    argv.push_back(nullptr);
+    const pid_t pid = fork();
+    if (pid == 0) {
+        dup2(terminal >= 0 ? terminal : out[1], STDOUT_FILENO);
+        dup2(err[1], STDERR_FILENO);
+        for (const int end : {out[0], out[1], err[0], err[1]})
+            close(end);
+        prepare();
+        execv(getenv("ATCTL"), argv.data());
+        _exit(127);
+    }
+    close(out[1]);
+    close(err[1]);
+    return {pid, out[0], err[0]};
+}
+
+Outcome Finish(const Child& child) {
+    Outcome outcome;
+    pollfd ends[2] = {{child.out, POLLIN, 0}, {child.err, POLLIN, 0}};
+    const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+    while ((ends[0].fd >= 0 || ends[1].fd >= 0) && std::chrono::steady_clock::now() < limit) {
+        poll(ends, 2, 100);
+        for (int i = 0; i < 2; ++i) {
+            if (ends[i].fd < 0 || ends[i].revents == 0) continue;
+            char text[4096];
+            const ssize_t got = read(ends[i].fd, text, sizeof text);
+            if (got > 0)
+                (i == 0 ? outcome.out : outcome.err).append(text, static_cast<size_t>(got));
+            else
+                ends[i].fd = -1;
+        }
+    }
+    if (ends[0].fd >= 0 || ends[1].fd >= 0) kill(child.pid, SIGKILL);
+    close(child.out);
+    close(child.err);
+    int status = 0;
+    waitpid(child.pid, &status, 0);
+    outcome.status = WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
+    return outcome;
+}
+
+Outcome Atctl(
+    std::vector<std::string> arguments, const Prepare& prepare = [] {}) {
+    return Finish(Start(std::move(arguments), prepare));
+}
+
+size_t Lines(const std::string& text) {
+    return static_cast<size_t>(std::count(text.begin(), text.end(), '\n'));
+}
+
+int Queues() {
+    msginfo info = {};
+    msgctl(0, MSG_INFO, reinterpret_cast<msqid_ds*>(&info));
+    return info.msgpool;
+}
+
+class Program : public testing::Test {
+  protected:
+    void SetUp() override {
+        ASSERT_NE(getenv("ATCTL"), nullptr) << "ATCTL names the program under check";
+        ASSERT_EQ(msgget(AT_MODULE_SERVER, 0), -1) << "these checks need a world with queues of their own";
+    }
+    void TearDown() override { EXPECT_EQ(Queues(), 0); }
+};
+
+}  // namespace
+
+TEST_F(Program, PrintsTheAnswerAndEndsWith0) {
+    FakeServer server(AT_MODULE_SERVER, FakeServer::Answering(AT_RESULT_OK, Integers({20, 0})));
+    const Outcome outcome = Atctl({"send", "+CSQ"});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.err, "");
+    EXPECT_EQ(outcome.out,
+              "+CSQ  signal quality: OK\n"
+              "  rssi  20  (0..31 in steps of 2 dB from -113 dBm, 99 unknown)\n"
+              "  ber   0   (bit error rate; 0 whenever the modem separates the two by a comma)\n");
+}
+
+TEST_F(Program, PrintsAnErrorAndEndsWith1) {
+    FakeServer server(AT_MODULE_SERVER, FakeServer::Answering(AT_RESULT_CME_ERROR, Text("10", 2)));
+    const Outcome outcome = Atctl({"send", "+CPIN?"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_NE(outcome.out.find("no SIM is inserted"), std::string::npos);
+    EXPECT_EQ(outcome.err, "");
+}
+
+TEST_F(Program, OptionsMayStandAnywhereAndNumbersMayBeNegative) {
+    FakeServer server(AT_MODULE_SERVER, FakeServer::Answering(AT_RESULT_OK, Text("OK", 2)));
+    EXPECT_EQ(Atctl({"send", "--json", "+CMGD=", "-1", "flag=-2"}).status, 0);
+    EXPECT_EQ(Atctl({"send", "+CMGD=", "-1", "--timeout", "3", "-2", "--json"}).status, 0);
+    EXPECT_EQ(Atctl({"send", "+CPMS=", "--", "-a", "--b", ""}).status, 0);
+    EXPECT_EQ(Atctl({"send", "+CPMS=", "list", "show", "{}"}).status, 0);
+    EXPECT_EQ(Atctl({"send", ""}).status, 0);
+    const auto requests = server.Requests();
+    ASSERT_EQ(requests.size(), 5U);
+    for (int i = 0; i < 2; ++i) {
+        const _BK_AT_CMD_T command = Command(requests[static_cast<size_t>(i)]);
+        EXPECT_EQ(Bytes(command.aucParas, command.aucParas + 8), Integers({-1, -2}));
+    }
+    const auto texts = [&](size_t i) {
+        const _BK_AT_CMD_T command = Command(requests[i]);
+        return Bytes(command.aucParas, command.aucParas + command.usParaLen);
+    };
+    EXPECT_EQ(texts(2), Text("-a", 10) + Text("--b", 10) + Text("", 10));
+    EXPECT_EQ(texts(3), Text("list", 10) + Text("show", 10) + Text("{}", 10));
+    EXPECT_EQ(Command(requests[4]).usCmdID, 0x0001);
+}
+
+TEST_F(Program, DialsANumber) {
+    FakeServer server(AT_MODULE_SERVER, FakeServer::Answering(AT_RESULT_OK, Text("OK", 2)));
+    EXPECT_EQ(Atctl({"send", "D", "5550123"}).out, "D  dial: OK\n");
+    ASSERT_EQ(server.Requests().size(), 1U);
+    const _BK_AT_CMD_T command = Command(server.Requests()[0]);
+    EXPECT_EQ(command.usCmdID, 0x0401);
+    EXPECT_EQ(command.usParaLen, 7);
+}
+
+TEST_F(Program, EndsWith2WithoutAServer) {
+    const Outcome outcome = Atctl({"send", "+CSQ"});
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_EQ(outcome.err, "atctl: there is no server: no message queue 0x1000\n");
+    EXPECT_EQ(outcome.out, "");
+}
+
+TEST_F(Program, EndsWith2WithoutPermission) {
+    const Queue server(AT_MODULE_SERVER, 0);
+    const Outcome outcome = Atctl({"send", "+CSQ"}, [] { prctl(PR_CAPBSET_DROP, CAP_IPC_OWNER, 0, 0, 0); });
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_EQ(outcome.err,
+              "atctl: no permission to use the server's queue 0x1000; try as the server's user or root\n");
+}
+
+TEST_F(Program, EndsWith2WhenTheQueueIsFull) {
+    const Queue server(AT_MODULE_SERVER);
+    Wire message;
+    message.type = 1;
+    while (PutInto(server.Id(), message)) {
+    }
+    const Outcome outcome = Atctl({"send", "+CSQ"});
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_NE(outcome.err.find("queue is full"), std::string::npos);
+}
+
+TEST_F(Program, EndsWith3WithoutAnAnswer) {
+    const Queue server(AT_MODULE_SERVER);
+    const Outcome outcome = Atctl({"send", "+CSQ", "--timeout", "0.1"});
+    EXPECT_EQ(outcome.status, 3);
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_EQ(outcome.err,
+              "atctl: no answer to +CSQ within 0.100 s; 1 request waits in the server's queue\n");
+}
+
+TEST_F(Program, MisuseIsOneLineAndEndsWith2) {
+    const std::vector<std::pair<std::vector<std::string>, std::string>> cases = {
+        {{}, "A subcommand is required"},
+        {{"frob"}, "there is no subcommand \"frob\", only send, list, show"},
+        {{"send"}, "COMMAND is required"},
+        {{"send", "AT+CSQ"}, "modules never send AT syntax, and names stand without AT: atctl send '+CSQ'"},
+        {{"send", "+CSX"}, "there is no command \"+CSX\"; is it +CSQ?"},
+        {{"send", "+CFUN="}, "+CFUN= takes 1 field (fun); fun is missing"},
+        {{"send", "+CFUN=", "1", "2"}, "+CFUN= takes 1 field (fun); 2 were given"},
+        {{"send", "+CFUN=", "fan=1"}, "+CFUN= has no field \"fan\""},
+        {{"send", "+CFUN=", "x"}, "+CFUN=: fun is a number, not \"x\""},
+        {{"send", "+CFUN=", "9999999999"}, "is out of range"},
+        {{"send", "+CPIN=", std::string(40, '1')}, "pin holds at most 31 bytes; the text has 40"},
+        {{"send", "+CSQ", "1"}, "+CSQ takes no fields"},
+        {{"send", "+CMTI"}, "only reported by the modem"},
+        {{"send", "+CSQ", "--timeout", "0"}, "not a time from 0.001 to 86400 seconds"},
+        {{"send", "+CSQ", "--timeout"}, "--timeout"},
+        {{"send", "+CSQ", "--module", "x"}, "--module is a number"},
+        {{"send", "+CSQ", "--frob"}, "--frob"},
+        {{"list", "more"}, "more"},
+        {{"show"}, "NAME is required"},
+        {{"show", "+CSX"}, "is it +CSQ?"},
+    };
+    for (const auto& [arguments, text] : cases) {
+        const Outcome outcome = Atctl(arguments);
+        EXPECT_EQ(outcome.status, 2) << text;
+        EXPECT_EQ(outcome.out, "") << text;
+        EXPECT_EQ(outcome.err.substr(0, 7), "atctl: ") << text;
+        EXPECT_EQ(Lines(outcome.err), 1U) << outcome.err;
+        EXPECT_NE(outcome.err.find(text), std::string::npos) << outcome.err;
+    }
+}
+
+TEST_F(Program, SignalsTakeTheQueueAway) {
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        const Queue server(AT_MODULE_SERVER);
+        const Child child = Start({"send", "+CSQ", "--timeout", "60"});
+        Wire request;
+        ASSERT_TRUE(WaitUntil([&] { return TakeFrom(server.Id(), request); }));
+        EXPECT_NE(msgget(request.record.usSourceModuleID, 0), -1);
+        kill(child.pid, signal);
+        const Outcome outcome = Finish(child);
+        EXPECT_EQ(outcome.status, 128 + signal);
+        EXPECT_EQ(msgget(request.record.usSourceModuleID, 0), -1);
+    }
+}
+
+TEST_F(Program, AQueueThatAKilledOneLeftIsNoHindrance) {
+    FakeServer server(AT_MODULE_SERVER, FakeServer::Answering(AT_RESULT_OK, Text("OK", 2)));
+    std::vector<Queue*> left;
+    // Wherever in the range the next process begins, the first places are taken.
+    const auto start = static_cast<unsigned>(getpid());
+    for (unsigned i = 0; i < 64; ++i)
+        left.push_back(new Queue(static_cast<key_t>(0x6000 + (start + i) % 0x2000)));
+    EXPECT_EQ(Atctl({"send", "+CSQ"}).status, 0);
+    ASSERT_EQ(server.Requests().size(), 1U);
+    for (const Queue* queue : left)
+        delete queue;
+}
+
+TEST_F(Program, ListsAndShowsInBothForms) {
+    const Outcome list = Atctl({"list"});
+    EXPECT_EQ(list.status, 0);
+    EXPECT_GE(Lines(list.out), 187U);
+    EXPECT_EQ(list.out.find('\033'), std::string::npos);
+    EXPECT_EQ(nlohmann::json::parse(Atctl({"list", "--json"}).out).size(), 186U);
+    const Outcome show = Atctl({"show", "csq"});
+    EXPECT_EQ(show.status, 0);
+    EXPECT_EQ(show.out.substr(0, 21), "+CSQ  signal quality\n");
+    EXPECT_EQ(nlohmann::json::parse(Atctl({"show", "+CSQ", "--json"}).out)["id"], 0x0604);
+}
+
+TEST_F(Program, EveryHelpHasTwoExamplesThatHold) {
+    FakeServer server(AT_MODULE_SERVER, FakeServer::Answering(AT_RESULT_OK, Text("OK", 2)));
+    for (const char* subcommand : {"send", "list", "show"}) {
+        const Outcome help = Atctl({subcommand, "--help"});
+        EXPECT_EQ(help.status, 0);
+        const std::string head = std::string("\n  atctl ") + subcommand;
+        size_t examples = 0;
+        for (size_t at = help.out.find(head); at != std::string::npos; at = help.out.find(head, at)) {
+            const size_t end = help.out.find('\n', ++at);
+            std::string line = help.out.substr(at, end - at);
+            // What is behind two blanks explains the example.
+            line = line.substr(2, line.find("  ", 8) - 2);
+            const std::string shell = getenv("ATCTL") + line.substr(5) + " >/dev/null";
+            EXPECT_EQ(system(shell.c_str()), 0) << shell;
+            ++examples;
+        }
+        EXPECT_EQ(examples, 2U) << help.out;
+    }
+    EXPECT_EQ(Atctl({"--help"}).status, 0);
+    const Outcome version = Atctl({"--version"});
+    EXPECT_EQ(version.status, 0);
+    EXPECT_EQ(version.out.substr(0, 6), "atctl ");
+}
+
+TEST_F(Program, ColoursAreForTerminalsThatWantThem) {
+    const int terminal = posix_openpt(O_RDWR | O_NOCTTY);
+    ASSERT_GE(terminal, 0);
+    ASSERT_EQ(grantpt(terminal) | unlockpt(terminal), 0);
+    const int other = open(ptsname(terminal), O_RDWR | O_NOCTTY);
+    ASSERT_GE(other, 0);
+    const auto shown = [&](const Prepare& prepare) {
+        const Outcome outcome = Finish(Start({"show", "+CSQ"}, prepare, other));
+        EXPECT_EQ(outcome.status, 0);
+        char text[4096];
+        const ssize_t got = read(terminal, text, sizeof text);
+        return std::string(text, static_cast<size_t>(std::max<ssize_t>(got, 0)));
+    };
+    EXPECT_NE(shown([] { unsetenv("NO_COLOR"); }).find("\033[1m+CSQ\033[0m"), std::string::npos);
+    EXPECT_EQ(shown([] { setenv("NO_COLOR", "1", 1); }).find('\033'), std::string::npos);
+    close(other);
+    close(terminal);
+}
+
+TEST_F(Program, StartsInLessThan50Milliseconds) {
+    auto best = std::chrono::steady_clock::duration::max();
+    for (int i = 0; i < 10; ++i) {
+        const auto start = std::chrono::steady_clock::now();
+        EXPECT_EQ(Atctl({"show", "+CSQ"}).status, 0);
+        best = std::min(best, std::chrono::steady_clock::now() - start);
+    }
+    EXPECT_LT(best, std::chrono::milliseconds(50));
+}
+
+TEST_F(Program, ReadsAListFromItsFile) {
+    const char path[] = "/etc_rw/config/copslist";
+    const auto write_list = [&] {
+        const Bytes list = Integers({1, 2}) + Text("Network", 68) + Text("Net", 20) + Text("26201", 12) +
+                           Text("7", 24) + Bytes(12804 - 132);
+        const int file = open(path, O_WRONLY | O_CREAT | O_TRUNC, 0600);
+        if (file < 0) return false;
+        const bool good = write(file, list.data(), list.size()) == static_cast<ssize_t>(list.size());
+        close(file);
+        return good;
+    };
+    if (!write_list()) GTEST_SKIP() << "there is no /etc_rw/config to write to in this world";
+    FakeServer server(AT_MODULE_SERVER, [&](const Wire& request, const FakeServer::Answer& answer) {
+        EXPECT_TRUE(write_list());
+        answer(FakeServer::AnswerTo(request, AT_RESULT_OK, {}, 12804));
+    });
+    const auto json = nlohmann::json::parse(Atctl({"send", "+COPS=?", "--json"}).out);
+    ASSERT_EQ(json["entries"].size(), 1U);
+    EXPECT_EQ(json["entries"][0]["long_name"], "Network");
+    unlink(path);
+}
