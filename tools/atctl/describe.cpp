@@ -236,13 +236,13 @@ void PrintList(std::ostream& out, const Paint& paint) {
                       pad("SET", kCell) + pad("READ", kCell) + "TEST")
         << "\n";
     for (const Row& row : Commands()) {
-        const std::string_view name = *row.name == '\0' ? "''" : row.name;
+        const std::string name = CommandName(row);
         std::string line = pad(HexNumber(row.id), 6);
         if (name.size() > kName) {
             out << line << name << "\n";
             line = pad("", 6) + pad("", kName);
         } else {
-            line += pad(std::string(name), kName);
+            line += pad(name, kName);
         }
         const std::string_view title = row.title;
         if (title.size() > kTitle) {
@@ -274,7 +274,7 @@ Json ListJson() {
 }
 
 void PrintCommand(std::ostream& out, const Paint& paint, const Row& row) {
-    out << paint.Bold(*row.name == '\0' ? "(no name: the bare AT)" : row.name);
+    out << paint.Bold(CommandName(row));
     if (*row.title != '\0') out << "  " << row.title;
     out << "\n";
     Table head(2);
@@ -338,9 +338,7 @@ Json CommandJson(const Row& row) {
 
 std::string ExampleCall(const Row& row) {
     if (ReportOnly(row)) return {};
-    const auto call = [&](uint8_t type) {
-        return "atctl send " + ShellWord(std::string(row.name) + Suffix(type));
-    };
+    const auto call = [&](uint8_t type) { return "atctl send " + ShellWord(CallName({&row, type})); };
     for (const uint8_t type : kTypes) {
         if (TakesNumber(row, type)) return call(type) + " 5550123";
         const Record* record = RequestRecord(row, type);

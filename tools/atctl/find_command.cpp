@@ -41,7 +41,7 @@ const Row* Lookup(std::string_view name) {
         return !found.empty();
     };
     if (!take([&](const Row& row) { return name == row.name; }) &&
-        !take([&](const Row& row) { return lower == Lower(row.name); }))
+        !take([&](const Row& row) { return lower == Lower(CommandName(row)); }))
         take([&](const Row& row) { return !lower.empty() && lower == Lower(WithoutSign(row.name)); });
     if (found.size() > 1) {
         std::vector<std::string> names;
@@ -131,6 +131,14 @@ void RefuseSyntax(std::string_view text) {
 }
 
 }  // namespace
+
+std::string CommandName(const Row& row) {
+    return *row.name == '\0' ? "AT" : row.name;
+}
+
+std::string CallName(const Call& call) {
+    return CommandName(*call.row) + Suffix(call.type);
+}
 
 std::span<const Row> Commands() {
     return kCatalog;

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <span>
+#include <string>
 #include <string_view>
 
 #include "commands/row.h"
@@ -19,6 +20,10 @@ struct Call {
 std::span<const Row> Commands();
 
 inline constexpr uint8_t kTypes[] = {AT_CMD_TYPE_EXEC, AT_CMD_TYPE_SET, AT_CMD_TYPE_READ, AT_CMD_TYPE_TEST};
+// The name that people use: "AT" for the command that has none.
+std::string CommandName(const Row& row);
+std::string CallName(const Call& call);  // with its suffix
+
 const char* TypeName(uint8_t type);  // "execute", "set", "read", "test"
 const char* Suffix(uint8_t type);    // "", "=", "?", "=?"
 

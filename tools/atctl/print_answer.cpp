@@ -121,7 +121,7 @@ void PrintFields(std::ostream& out, const std::vector<Value>& values) {
 
 void PrintAnswer(std::ostream& out, const Paint& paint, const Row& row, const Decoded& decoded) {
     const bool good = decoded.result == AT_RESULT_OK;
-    const std::string name = *row.name == '\0' ? "AT" : std::string(row.name) + Suffix(decoded.type);
+    const std::string name = CallName({&row, decoded.type});
     out << paint.Bold(name);
     if (*row.title != '\0') out << "  " << row.title;
     const std::string words = ResultWords(decoded.result);

@@ -12,12 +12,8 @@
 
 namespace {
 
-std::string CallText(const Call& call) {
-    return std::string(call.row->name) + Suffix(call.type);
-}
-
 std::string ShellCall(const Row& row, uint8_t type) {
-    return "atctl send " + ShellWord(std::string(row.name) + Suffix(type));
+    return "atctl send " + ShellWord(CallName({&row, type}));
 }
 
 std::vector<std::string> FieldNames(const Record& record) {
@@ -84,7 +80,7 @@ void PutInteger(const std::string& where, const std::string& text, uint8_t* at) 
 }
 
 void PutField(const Call& call, const Field& field, const std::string& text, std::vector<uint8_t>& record) {
-    const std::string where = CallText(call) + ": " + field.name;
+    const std::string where = CallName(call) + ": " + field.name;
     uint8_t* const at = record.data() + field.offset;
     switch (field.type) {
         case FieldType::i32:
@@ -110,7 +106,7 @@ void PutField(const Call& call, const Field& field, const std::string& text, std
 }
 
 std::vector<uint8_t> BuildNumber(const Call& call, std::span<const std::string> arguments) {
-    const std::string name = CallText(call);
+    const std::string name = CallName(call);
     if (arguments.size() != 1)
         throw Misuse(name + " takes one telephone number; " + std::to_string(arguments.size()) +
                      " arguments were given, such as: " + ShellCall(*call.row, call.type) + " 5550123");
@@ -129,7 +125,7 @@ std::vector<uint8_t> BuildNumber(const Call& call, std::span<const std::string> 
 }
 
 [[noreturn]] void RefuseArguments(const Call& call) {
-    const std::string name = CallText(call);
+    const std::string name = CallName(call);
     for (const uint8_t type : kTypes)
         if (RequestRecord(*call.row, type) != nullptr || TakesNumber(*call.row, type))
             throw Misuse(name + " takes no fields; its " + TypeName(type) +
@@ -140,7 +136,7 @@ std::vector<uint8_t> BuildNumber(const Call& call, std::span<const std::string> 
 // The fields in the order of the arguments.
 std::vector<std::pair<const Field*, std::string>> Assign(const Call& call, const Record& record,
                                                          std::span<const std::string> arguments) {
-    const std::string name = CallText(call);
+    const std::string name = CallName(call);
     const std::string names = Join(FieldNames(record), " ");
     std::vector<std::pair<const Field*, std::string>> given;
     bool by_name = false;
@@ -209,7 +205,7 @@ size_t Capacity(const Field& field) {
 
 std::vector<uint8_t> BuildRequest(const Call& call, std::span<const std::string> arguments) {
     if (call.row->encode.kind == EncodeKind::absent)
-        throw Misuse(std::string(call.row->name) + " is only reported by the modem; nobody can send it");
+        throw Misuse(CommandName(*call.row) + " is only reported by the modem; nobody can send it");
     if (TakesNumber(*call.row, call.type)) return BuildNumber(call, arguments);
     const Record* record = RequestRecord(*call.row, call.type);
     if (record == nullptr) {
@@ -226,7 +222,7 @@ std::vector<uint8_t> BuildRequest(const Call& call, std::span<const std::string>
         if (!found && (Required(*call.row, field) || given.empty())) missing.emplace_back(field.name);
     }
     if (!missing.empty())
-        throw Misuse(CallText(call) + " takes " + Number(record->count, "field", "fields") + " (" +
+        throw Misuse(CallName(call) + " takes " + Number(record->count, "field", "fields") + " (" +
                      Join(FieldNames(*record), " ") + "); " + Join(missing, ", ") +
                      (missing.size() == 1 ? " is missing" : " are missing"));
     for (const auto& [field, text] : given)

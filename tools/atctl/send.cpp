@@ -116,7 +116,7 @@ int Send(const SendOptions& options, const QueueClient::Setup& setup, const Stre
     const std::vector<uint8_t> paras = BuildRequest(call, options.fields);
     const std::optional<uint16_t> module = ParseModule(options.module);
     const double timeout = options.timeout > 0 ? options.timeout : DefaultTimeout(call.row->id);
-    const std::string name = *call.row->name == '\0' ? "AT" : std::string(call.row->name) + Suffix(call.type);
+    const std::string name = CallName(call);
 
     QueueClient client(setup);
     Status status = client.Open(module);
