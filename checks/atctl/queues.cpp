@@ -131,7 +131,7 @@ TEST(QueueClient, ARequestIsTheRecordThatTheServerReads) {
     QueueClient client({key, nullptr});
     ASSERT_EQ(client.Open(std::nullopt), Status::ok);
     const Bytes record = Integers({1});
-    ASSERT_EQ(client.Send(0x0544, AT_CMD_TYPE_SET, record, milliseconds(0)), Status::ok);
+    ASSERT_EQ(client.Send({0x0544, AT_CMD_TYPE_SET, record}, milliseconds(0)), Status::ok);
     Wire request;
     ASSERT_TRUE(TakeFrom(server.Id(), request));
     EXPECT_GT(request.type, 1);
@@ -153,7 +153,7 @@ TEST(QueueClient, EveryRequestHasATypeOfItsOwn) {
     ASSERT_EQ(client.Open(std::nullopt), Status::ok);
     std::set<long> types;
     for (int i = 0; i < 20; ++i) {
-        ASSERT_EQ(client.Send(1, AT_CMD_TYPE_EXEC, {}, milliseconds(0)), Status::ok);
+        ASSERT_EQ(client.Send({1, AT_CMD_TYPE_EXEC, {}}, milliseconds(0)), Status::ok);
         Wire request;
         ASSERT_TRUE(TakeFrom(server.Id(), request));
         types.insert(request.type);
@@ -166,8 +166,8 @@ TEST(QueueClient, ARecordThatDoesNotFitIsNotSent) {
     const Queue server(key);
     QueueClient client({key, nullptr});
     ASSERT_EQ(client.Open(std::nullopt), Status::ok);
-    EXPECT_EQ(client.Send(1, AT_CMD_TYPE_SET, Bytes(632), milliseconds(0)), Status::ok);
-    EXPECT_EQ(client.Send(1, AT_CMD_TYPE_SET, Bytes(633), milliseconds(0)), Status::failed);
+    EXPECT_EQ(client.Send({1, AT_CMD_TYPE_SET, Bytes(632)}, milliseconds(0)), Status::ok);
+    EXPECT_EQ(client.Send({1, AT_CMD_TYPE_SET, Bytes(633)}, milliseconds(0)), Status::failed);
     EXPECT_EQ(client.Error(), EMSGSIZE);
     EXPECT_EQ(client.LookAtServer().waiting, 1);
 }
@@ -179,7 +179,7 @@ TEST(QueueClient, AFullServerIsGivenUpAfterAWhile) {
     QueueClient client({key, nullptr});
     ASSERT_EQ(client.Open(std::nullopt), Status::ok);
     const auto start = std::chrono::steady_clock::now();
-    EXPECT_EQ(client.Send(1, AT_CMD_TYPE_EXEC, {}, milliseconds(60)), Status::server_full);
+    EXPECT_EQ(client.Send({1, AT_CMD_TYPE_EXEC, {}}, milliseconds(60)), Status::server_full);
     const auto taken = std::chrono::steady_clock::now() - start;
     EXPECT_GE(taken, milliseconds(60));
     EXPECT_LT(taken, milliseconds(5000));
@@ -196,7 +196,7 @@ TEST(QueueClient, AFullServerThatGoesOnIsServed) {
         Wire message;
         EXPECT_TRUE(TakeFrom(server.Id(), message));
     });
-    EXPECT_EQ(client.Send(1, AT_CMD_TYPE_EXEC, {}, milliseconds(5000)), Status::ok);
+    EXPECT_EQ(client.Send({1, AT_CMD_TYPE_EXEC, {}}, milliseconds(5000)), Status::ok);
     reader.join();
 }
 
@@ -229,7 +229,7 @@ TEST(QueueClient, WhatDoesNotAnswerThisRequestIsDroppedAndCounted) {
     });
     QueueClient client({key, nullptr});
     ASSERT_EQ(client.Open(std::nullopt), Status::ok);
-    ASSERT_EQ(client.Send(0x0604, AT_CMD_TYPE_EXEC, {}, milliseconds(0)), Status::ok);
+    ASSERT_EQ(client.Send({0x0604, AT_CMD_TYPE_EXEC, {}}, milliseconds(0)), Status::ok);
     MSG_BUF answer;
     ASSERT_EQ(client.Receive(milliseconds(5000), answer), Status::ok);
     EXPECT_EQ(client.Dropped(), 4U);
@@ -238,12 +238,40 @@ TEST(QueueClient, WhatDoesNotAnswerThisRequestIsDroppedAndCounted) {
     EXPECT_EQ(Bytes(res.aucParas, res.aucParas + 4), Integers({20}));
 }
 
+TEST(QueueClient, ADialsAnswerMayComeWithTheTypeOfReports) {
+    const key_t key = PrivateKey();
+    FakeServer server(key, [](const Wire& request, const FakeServer::Answer& answer) {
+        Wire other = FakeServer::AnswerTo(request, AT_RESULT_OK, Text("OK", 2));
+        other.type = 1;
+        _BK_AT_RES_T report = Res(0x0402, AT_CMD_TYPE_EXEC, AT_RESULT_OK, {});
+        memcpy(other.record.aucDataBuf, &report, sizeof report);
+        answer(other);
+        report = Res(0x0401, AT_CMD_TYPE_SET, AT_RESULT_OK, {});
+        memcpy(other.record.aucDataBuf, &report, sizeof report);
+        answer(other);
+        Wire told = FakeServer::AnswerTo(request, AT_RESULT_OK, Text("OK", 2));
+        told.type = 1;
+        answer(told);
+    });
+    QueueClient client({key, nullptr});
+    ASSERT_EQ(client.Open(std::nullopt), Status::ok);
+    const Bytes number = Text("5550123", 7);
+    ASSERT_EQ(client.Send({0x0401, AT_CMD_TYPE_EXEC, number, true}, milliseconds(0)), Status::ok);
+    MSG_BUF answer;
+    ASSERT_EQ(client.Receive(milliseconds(5000), answer), Status::ok);
+    EXPECT_EQ(client.Dropped(), 2U);
+    // To any other command, such a message is no answer.
+    ASSERT_EQ(client.Send({0x0401, AT_CMD_TYPE_EXEC, number, false}, milliseconds(0)), Status::ok);
+    EXPECT_EQ(client.Receive(milliseconds(50), answer), Status::timed_out);
+    EXPECT_EQ(client.Dropped(), 5U);
+}
+
 TEST(QueueClient, NoAnswerEndsTheWait) {
     const key_t key = PrivateKey();
     const Queue server(key);
     QueueClient client({key, nullptr});
     ASSERT_EQ(client.Open(std::nullopt), Status::ok);
-    ASSERT_EQ(client.Send(1, AT_CMD_TYPE_EXEC, {}, milliseconds(0)), Status::ok);
+    ASSERT_EQ(client.Send({1, AT_CMD_TYPE_EXEC, {}}, milliseconds(0)), Status::ok);
     MSG_BUF answer;
     EXPECT_EQ(client.Receive(milliseconds(30), answer), Status::timed_out);
     EXPECT_EQ(client.LookAtServer().waiting, 1);
@@ -256,7 +284,7 @@ TEST(QueueClient, TheStopFunctionEndsTheWait) {
     g_stop = false;
     QueueClient client({key, [] { return g_stop; }});
     ASSERT_EQ(client.Open(std::nullopt), Status::ok);
-    ASSERT_EQ(client.Send(1, AT_CMD_TYPE_EXEC, {}, milliseconds(0)), Status::ok);
+    ASSERT_EQ(client.Send({1, AT_CMD_TYPE_EXEC, {}}, milliseconds(0)), Status::ok);
     g_stop = true;
     MSG_BUF answer;
     EXPECT_EQ(client.Receive(milliseconds(60'000), answer), Status::stopped);
@@ -267,7 +295,7 @@ TEST(QueueClient, AQueueThatIsTakenAwayEndsTheWait) {
     const Queue server(key);
     QueueClient client({key, nullptr});
     ASSERT_EQ(client.Open(std::nullopt), Status::ok);
-    ASSERT_EQ(client.Send(1, AT_CMD_TYPE_EXEC, {}, milliseconds(0)), Status::ok);
+    ASSERT_EQ(client.Send({1, AT_CMD_TYPE_EXEC, {}}, milliseconds(0)), Status::ok);
     msgctl(msgget(client.Module(), 0), IPC_RMID, nullptr);
     MSG_BUF answer;
     EXPECT_EQ(client.Receive(milliseconds(60'000), answer), Status::failed);
@@ -305,6 +333,19 @@ TEST(Send, FieldsTravelAsTheRecord) {
     EXPECT_EQ(command.usParaLen, 30);
     EXPECT_EQ(Bytes(command.aucParas, command.aucParas + 30),
               Text("SM", 10) + Text("ME", 10) + Text("MT", 10));
+}
+
+TEST(Send, ADialIsAnsweredWithTheTypeOfReports) {
+    const key_t key = PrivateKey();
+    FakeServer server(key, [](const Wire& request, const FakeServer::Answer& answer) {
+        Wire told = FakeServer::AnswerTo(request, AT_RESULT_OK, Text("OK", 2));
+        told.type = 1;
+        answer(told);
+    });
+    const Outcome outcome = RunSend(key, Options("D", {"5550123"}));
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.out, "D  dial: OK\n");
+    EXPECT_EQ(outcome.err, "");
 }
 
 TEST(Send, JsonIsOneObject) {

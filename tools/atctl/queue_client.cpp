@@ -24,7 +24,9 @@ uint8_t* Travelling(MSG_BUF& record) {
     return reinterpret_cast<uint8_t*>(&record) + offsetof(MSG_BUF, usTargetModuleID);
 }
 
-// Positive, and neither the reports' type 1 nor one that a call before this is likely to have used.
+constexpr long kReportType = 1;
+
+// Positive, and neither the reports' type nor one that a call before this is likely to have used.
 int32_t FreshType() {
     uint32_t random = 0;
     if (getrandom(&random, sizeof random, GRND_NONBLOCK) != sizeof random)
@@ -93,18 +95,19 @@ QueueClient::Status QueueClient::Pause(steady_clock::time_point end, microsecond
     return Status::ok;
 }
 
-QueueClient::Status QueueClient::Send(uint16_t cmd_id, uint8_t type, std::span<const uint8_t> paras,
-                                      milliseconds patience) {
+QueueClient::Status QueueClient::Send(const Request& request, milliseconds patience) {
+    const std::span<const uint8_t> paras = request.paras;
     _BK_AT_CMD_T command = {};
     if (paras.size() > sizeof command.aucParas) {
         error_ = EMSGSIZE;
         return Status::failed;
     }
-    command.usCmdID = cmd_id;
-    command.ucCmdType = type;
+    command.usCmdID = request.cmd_id;
+    command.ucCmdType = request.type;
     command.usParaLen = static_cast<uint16_t>(paras.size());
     if (!paras.empty()) memcpy(command.aucParas, paras.data(), paras.size());
 
+    dial_ = request.dial;
     request_ = {};
     request_.lMsgType = FreshType();
     request_.usTargetModuleID = AT_MODULE_SERVER;
@@ -129,6 +132,16 @@ QueueClient::Status QueueClient::Send(uint16_t cmd_id, uint8_t type, std::span<c
     return Status::ok;
 }
 
+bool QueueClient::Answers(long type, const MSG_BUF& message) const {
+    if (type == request_.lMsgType) return true;
+    if (!dial_ || type != kReportType) return false;
+    _BK_AT_CMD_T asked;
+    _BK_AT_RES_T told;
+    memcpy(&asked, request_.aucDataBuf, sizeof asked);
+    memcpy(&told, message.aucDataBuf, sizeof told);
+    return told.usCmdID == asked.usCmdID && told.ucCmdType == asked.ucCmdType;
+}
+
 QueueClient::Status QueueClient::Receive(milliseconds patience, MSG_BUF& answer) {
     const auto end = steady_clock::now() + patience;
     microseconds nap(500);
@@ -147,7 +160,7 @@ QueueClient::Status QueueClient::Receive(milliseconds patience, MSG_BUF& answer)
         answer = {};
         answer.lMsgType = request_.lMsgType;
         memcpy(Travelling(answer), wire.body, static_cast<size_t>(got));
-        if (wire.mtype == request_.lMsgType && got == AT_WIRE_SIZE && answer.ulMagic == AT_MESSAGE_MAGIC)
+        if (got == AT_WIRE_SIZE && answer.ulMagic == AT_MESSAGE_MAGIC && Answers(wire.mtype, answer))
             return Status::ok;
         ++dropped_;
     }

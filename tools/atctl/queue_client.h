@@ -46,10 +46,17 @@ class QueueClient {
     Status Open(std::optional<uint16_t> module);
     void Close();
 
+    struct Request {
+        uint16_t cmd_id;
+        uint8_t type;                    // AT_CMD_TYPE_...
+        std::span<const uint8_t> paras;  // exactly the command's record
+        // The server keeps nothing of a dial but whom to tell, so its answer may come with the reports' type.
+        bool dial = false;
+    };
+
     // Sends a request with a message type of its own. Waits at most `patience` while the server's queue is
     // full.
-    Status Send(uint16_t cmd_id, uint8_t type, std::span<const uint8_t> paras,
-                std::chrono::milliseconds patience);
+    Status Send(const Request& request, std::chrono::milliseconds patience);
 
     // Waits for the answer to the last request; whatever else arrives is dropped and counted.
     Status Receive(std::chrono::milliseconds patience, MSG_BUF& answer);
@@ -71,12 +78,14 @@ class QueueClient {
     // Sleeps a little, more each round; Status::ok when the wait goes on.
     Status Pause(std::chrono::steady_clock::time_point end, std::chrono::microseconds& nap);
     Status Fail(int error, Status otherwise);
+    bool Answers(long type, const MSG_BUF& message) const;
 
     Setup setup_;
     int server_ = -1;
     int own_ = -1;
     uint16_t module_ = 0;
     MSG_BUF request_ = {};
+    bool dial_ = false;
     unsigned dropped_ = 0;
     int error_ = 0;
 };

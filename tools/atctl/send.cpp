@@ -126,7 +126,8 @@ int Send(const SendOptions& options, const QueueClient::Setup& setup, const Stre
     timespec asked_at = {};
     clock_gettime(CLOCK_REALTIME_COARSE, &asked_at);
     const auto started = std::chrono::steady_clock::now();
-    status = client.Send(call.row->id, call.type, paras, kFullQueuePatience);
+    status =
+        client.Send({call.row->id, call.type, paras, TakesNumber(*call.row, call.type)}, kFullQueuePatience);
     if (status == Status::stopped) return kExitNotSent;
     if (status != Status::ok) throw Misuse(SendFault(client, status));
     if (options.verbose) ShowRequest(streams.err, client, call, name, paras);
