@@ -7,6 +7,7 @@
 // network takes longest.
 constexpr unsigned TimeoutSeconds(uint16_t cmd_id) {
     switch (cmd_id) {
+        // Takes no effect on the server, which marks a dial idle before its line is written.
         case 0x0401:  // D
             return 60;
         case 0x0612:  // +CGATT

@@ -3,6 +3,7 @@
 #include <string.h>
 #include <sys/times.h>
 
+#include "commands/timeouts.h"
 #include "platform/log.h"
 #include "records/handover.h"
 #include "records/payload.h"
@@ -16,28 +17,10 @@ static constexpr char kLogSource[] = "at_server";
 static constexpr int kErrorAnswerNotSent = 42506;
 static constexpr uint16_t kOwnAnswerDataLen = 0x0208;
 static constexpr uint16_t kOwnAnswerParaLen = 512;
+static constexpr uint32_t kRoundsPerSecond = 100;
 
 uint32_t TimeoutRounds(uint16_t cmd_id) {
-    static constexpr struct {
-        uint16_t cmd_id;  // 0 ends the table
-        uint16_t seconds;
-    } kTimeouts[] = {
-        // A dial is marked idle before its line is written, so its row takes no effect.
-        {0x0401, 60},   // D
-        {0x0519, 10},   // +CMVL
-        {0x0106, 120},  // +CMGL
-        {0x010B, 120},  // +CMGD
-        {0x0612, 80},   // +CGATT
-        {0x0108, 180},  // +CMGS
-        {0x0623, 90},   // +ZGACT
-        {0x0624, 90},   // +CGACT
-        {0x0620, 90},   // +ZGAAT
-        {0x0517, 180},  // +COPS
-        {0, 0},
-    };
-    for (const auto* row = kTimeouts; row->cmd_id != 0; ++row)
-        if (row->cmd_id == cmd_id) return row->seconds * 100U;
-    return 1000;
+    return TimeoutSeconds(cmd_id) * kRoundsPerSecond;
 }
 
 // An answer to the request in flight, without parameters.
