@@ -159,5 +159,8 @@ int main(int argc, char** argv) {
     } catch (const Misuse& misuse) {
         std::cerr << "atctl: " << misuse.what() << '\n';
         return kExitNotSent;
+    } catch (const std::exception& fault) {
+        std::cerr << "atctl: " << fault.what() << '\n';
+        return kExitNotSent;
     }
 }

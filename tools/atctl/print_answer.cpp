@@ -54,7 +54,7 @@ std::string_view WordsOf(const Value& value) {
     return number == nullptr ? std::string_view() : WordsOf(value.field->meaning, *number);
 }
 
-void PrintEntries(std::ostream& out, const Paint& paint, const Decoded& decoded) {
+void PrintEntries(std::ostream& out, const Decoded& decoded) {
     if (decoded.entries.empty()) return;
     Table table(2);
     std::vector<std::string> head;
@@ -68,7 +68,6 @@ void PrintEntries(std::ostream& out, const Paint& paint, const Decoded& decoded)
             cells.push_back(ValueText(value));
         table.Row(std::move(cells));
     }
-    static_cast<void>(paint);
     table.Print(out);
 }
 
@@ -140,7 +139,7 @@ void PrintAnswer(std::ostream& out, const Paint& paint, const Row& row, const De
         PrintHex(out, decoded.raw);
     }
     PrintFields(out, decoded.fields);
-    PrintEntries(out, paint, decoded);
+    PrintEntries(out, decoded);
     if (decoded.entries.size() < decoded.entries_told && decoded.file_fault.empty())
         out << "  " << decoded.entries.size() << " of " << decoded.entries_told
             << " entries fit the message\n";
