@@ -439,7 +439,7 @@ TEST(Show, HasFieldsLinesAndAnswers) {
               "    0       32    text  pin      PIN, or PUK when a new PIN is given\n"
               "    32      32    text  new_pin  new PIN (may be left out)\n"
               "\n"
-              "line\n"
+              "line, the first that fits\n"
               "  AT+CPIN=\"<pin>\"              when new_pin is not given\n"
               "  AT+CPIN=\"<pin>\",\"<new_pin>\"\n"
               "\n"

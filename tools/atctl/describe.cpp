@@ -167,7 +167,8 @@ void PrintForms(std::ostream& out, const Row& row) {
         const std::string when = ConditionText(form);
         table.Row({LineText(row, form), when.empty() ? "" : "when " + when});
     }
-    out << "\nline\n";
+    const bool one = row.encode.forms[1].format == nullptr;
+    out << (one ? "\nline\n" : "\nline, the first that fits\n");
     table.Print(out);
 }
 
