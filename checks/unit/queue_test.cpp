@@ -1,3 +1,4 @@
+#include "records/payload.h"
 #include "records/queue.h"
 
 #include <errno.h>
@@ -29,10 +30,6 @@ MSG_BUF Message() {
     message.usDataLen = 0x0208;
     message.ulMagic = AT_MESSAGE_MAGIC;
     return message;
-}
-
-_BK_AT_RES_T& Response(MSG_BUF& message) {
-    return *reinterpret_cast<_BK_AT_RES_T*>(message.aucDataBuf);
 }
 
 class SendMsgBuf : public testing::Test {
@@ -110,14 +107,14 @@ TEST_F(SendMsgBuf, WhatTravelsIsTheRecord) {
 TEST_F(SendMsgBuf, TargetWithoutAQueueFailsAndNothingIsRetried) {
     MSG_BUF message = Message();
     message.usTargetModuleID = 0x0ABC;
-    Response(message).ucResult = 0;
-    Response(message).usCmdID = 0x0403;
+    ResponseOf(message).ucResult = 0;
+    ResponseOf(message).usCmdID = 0x0403;
     EXPECT_EQ(send_msg_buf(&message), 1);
     EXPECT_TRUE(Logged("send_msg_buf ::get target msg id 0x0abc failed!\n", "at_server"));
     EXPECT_TRUE(Queues().sent.empty());
     EXPECT_EQ(Queues().waiting.count(0x0ABC), 0u);
     // The look-up comes before anything else is done.
-    EXPECT_EQ(Response(message).ucResult, 0);
+    EXPECT_EQ(ResponseOf(message).ucResult, 0);
     EXPECT_EQ(g_atd_warting, 1u);
 }
 
@@ -131,16 +128,16 @@ TEST_F(SendMsgBuf, TargetZeroIsNoQueueAndMakesNone) {
 
 TEST_F(SendMsgBuf, ResultZeroLeavesAsOneAndInTheCallersRecord) {
     MSG_BUF message = Message();
-    Response(message).ucResult = 0;
+    ResponseOf(message).ucResult = 0;
     EXPECT_EQ(send_msg_buf(&message), 0);
-    EXPECT_EQ(Response(message).ucResult, 1);
+    EXPECT_EQ(ResponseOf(message).ucResult, 1);
     EXPECT_EQ(Queues().sent[0].Response().ucResult, 1);
 }
 
 TEST_F(SendMsgBuf, OtherResultsStay) {
     for (const int result : {1, 2, 5, 6, 11, 255}) {
         MSG_BUF message = Message();
-        Response(message).ucResult = static_cast<uint8_t>(result);
+        ResponseOf(message).ucResult = static_cast<uint8_t>(result);
         EXPECT_EQ(send_msg_buf(&message), 0);
         EXPECT_EQ(Queues().sent.back().Response().ucResult, result);
     }
@@ -150,8 +147,8 @@ TEST_F(SendMsgBuf, HangUpEndsTheWaitForADialWhateverItsResult) {
     for (const int result : {0, 1, 2, 5}) {
         g_atd_warting = 1;
         MSG_BUF message = Message();
-        Response(message).usCmdID = 0x0403;
-        Response(message).ucResult = static_cast<uint8_t>(result);
+        ResponseOf(message).usCmdID = 0x0403;
+        ResponseOf(message).ucResult = static_cast<uint8_t>(result);
         EXPECT_EQ(send_msg_buf(&message), 0);
         EXPECT_EQ(g_atd_warting, 0u) << result;
     }
@@ -160,7 +157,7 @@ TEST_F(SendMsgBuf, HangUpEndsTheWaitForADialWhateverItsResult) {
 TEST_F(SendMsgBuf, OtherCommandsLeaveTheDialAlone) {
     for (const uint16_t id : std::initializer_list<uint16_t>{0x0401, 0x0402, 0x0404, 0x0304}) {
         MSG_BUF message = Message();
-        Response(message).usCmdID = id;
+        ResponseOf(message).usCmdID = id;
         EXPECT_EQ(send_msg_buf(&message), 0);
         EXPECT_EQ(g_atd_warting, 1u);
     }
@@ -168,7 +165,7 @@ TEST_F(SendMsgBuf, OtherCommandsLeaveTheDialAlone) {
 
 TEST_F(SendMsgBuf, RecordIsLogged) {
     MSG_BUF message = Message();
-    _BK_AT_RES_T& res = Response(message);
+    _BK_AT_RES_T& res = ResponseOf(message);
     res.usCmdID = 0x0604;
     res.ucCmdType = 1;
     res.ucResult = 2;
@@ -190,7 +187,7 @@ TEST_F(SendMsgBuf, RecordIsLogged) {
 
 TEST_F(SendMsgBuf, LoggedParametersEndWithTheRecord) {
     MSG_BUF message = Message();
-    memset(Response(message).aucParas, 'p', sizeof Response(message).aucParas);
+    memset(ResponseOf(message).aucParas, 'p', sizeof ResponseOf(message).aucParas);
     send_msg_buf(&message);
     EXPECT_TRUE(LoggedPart("aucParas=" + string(634, 'p') + " \n"));
 }
@@ -198,7 +195,7 @@ TEST_F(SendMsgBuf, LoggedParametersEndWithTheRecord) {
 TEST_F(SendMsgBuf, LengthBeyondTheRecordTravelsAsItStands) {
     for (const uint16_t length : std::initializer_list<uint16_t>{635, 22004, 50564, 65535}) {
         MSG_BUF message = Message();
-        Response(message).usParaLen = length;
+        ResponseOf(message).usParaLen = length;
         EXPECT_EQ(send_msg_buf(&message), 0);
         EXPECT_EQ(Queues().sent.back().Response().usParaLen, length);
         EXPECT_EQ(Queues().sent.back().body.size(), 652u);
@@ -208,11 +205,11 @@ TEST_F(SendMsgBuf, LengthBeyondTheRecordTravelsAsItStands) {
 TEST_F(SendMsgBuf, FailedSendIsLoggedWithItsError) {
     Queues().fail_send = EIDRM;
     MSG_BUF message = Message();
-    Response(message).ucResult = 0;
+    ResponseOf(message).ucResult = 0;
     EXPECT_EQ(send_msg_buf(&message), 1);
     EXPECT_TRUE(Logged("ERROR: send_msg_buf:: send msg failed, error code " + std::to_string(EIDRM) + "!\n",
                        "at_server"));
-    EXPECT_EQ(Response(message).ucResult, 1);
+    EXPECT_EQ(ResponseOf(message).ucResult, 1);
 }
 
 TEST_F(SendMsgBuf, TypeThatAQueueRefusesIsAFailure) {
