@@ -72,7 +72,8 @@ int Parse_CUSD_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine) {
         if (length > sizeof tPara.str - 1) length = sizeof tPara.str - 1;
         memcpy(tPara.str, open + 1, length);
         char scheme[3] = {};  // the two characters behind the comma, a blank among them counts
-        strncat(scheme, strrchr(text, ',') + 1, sizeof scheme - 1);
+        const char* last = strrchr(text, ',') + 1;
+        memcpy(scheme, last, strnlen(last, sizeof scheme - 1));
         ScanRecord(scheme, "%d", type, &tPara);
     }
     AT_LOG(LOG_INFO, "Parse_CUSD_Res::tPara.mode=%d, tPara.str=%s,  tPara.type=%d", tPara.mode, tPara.str,
