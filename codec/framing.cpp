@@ -3,10 +3,11 @@
 #include <stdint.h>
 #include <string.h>
 
-#include <array>
+#include <iterator>
 
 #include "platform/log.h"
 #include "text/atpublic.h"
+#include "text/literals.h"
 
 static constexpr char kLogSource[] = "atcode";
 
@@ -190,65 +191,44 @@ constexpr const Marker kFinalResults[] = {
     "OK\r\n", "ERROR\r\n", "CME ERROR: ", "CMS ERROR: ", "not support", "COMMAND NOT SUPPORT",
 };
 
-constexpr size_t Length(const Marker& marker) {
-    size_t length = 0;
-    while (marker[length] != '\0')
-        ++length;
-    return length;
-}
-
 constexpr bool Same(const Marker& a, const Marker& b) {
     for (size_t i = 0; i < kMarkerSize; ++i)
         if (a[i] != b[i]) return false;
     return true;
 }
 
-// The end markers by their first character, so that a walk over text compares only those that can match.
-struct MarkerIndex {
-    std::array<uint8_t, 256> first{};  // by character: 1 + place of its first entry, 0 for none
-    struct Entry {
-        uint8_t marker;
-        uint8_t length;
-        bool final_result;
-        bool last_of_character;
-    };
-    std::array<Entry, std::size(kEndMarkers)> entries{};
+// What one walk over a line looks for: the end markers, and behind them the line break.
+constexpr size_t kLineBreak = std::size(kEndMarkers);
+
+struct Wanted {
+    Marker texts[std::size(kEndMarkers) + 1];
+    bool final_result[std::size(kEndMarkers) + 1];
 };
 
-constexpr MarkerIndex BuildIndex() {
-    MarkerIndex index;
-    size_t used = 0;
-    for (size_t character = 1; character < 256; ++character) {
-        const size_t begin = used;
-        for (size_t i = 0; i < std::size(kEndMarkers); ++i) {
-            if (static_cast<unsigned char>(kEndMarkers[i][0]) != character) continue;
-            bool final_result = false;
-            for (const Marker& result : kFinalResults)
-                final_result |= Same(result, kEndMarkers[i]);
-            index.entries[used++] = {static_cast<uint8_t>(i), static_cast<uint8_t>(Length(kEndMarkers[i])),
-                                     final_result, false};
-        }
-        if (used == begin) continue;
-        index.first[character] = static_cast<uint8_t>(begin + 1);
-        index.entries[used - 1].last_of_character = true;
+consteval Wanted MakeWanted() {
+    Wanted wanted{};
+    for (size_t i = 0; i < kLineBreak; ++i) {
+        for (size_t at = 0; at < kMarkerSize; ++at)
+            wanted.texts[i][at] = kEndMarkers[i][at];
+        for (const Marker& result : kFinalResults)
+            wanted.final_result[i] |= Same(result, kEndMarkers[i]);
     }
-    return index;
+    wanted.texts[kLineBreak][0] = '\r';
+    wanted.texts[kLineBreak][1] = '\n';
+    return wanted;
 }
 
-constexpr MarkerIndex kIndex = BuildIndex();
-static_assert(kIndex.entries.back().last_of_character);
+constexpr Wanted kWanted = MakeWanted();
+constexpr auto kIndex = literals::MakeIndex(kWanted.texts, "\":");
 
 enum class Match { none, marker, final_result };
 
 // Whether an end marker starts at `text`; a final result is told even where another marker starts there too.
-inline Match MatchMarker(const char* text) {
-    const uint8_t first = kIndex.first[static_cast<unsigned char>(*text)];
-    if (first == 0) return Match::none;
+Match MatchMarker(const char* text) {
     Match match = Match::none;
-    for (const MarkerIndex::Entry* entry = &kIndex.entries[first - 1U];; ++entry) {
-        if (text[1] == kEndMarkers[entry->marker][1] &&
-            strncmp(text, kEndMarkers[entry->marker], entry->length) == 0) {
-            if (entry->final_result) return Match::final_result;
+    for (const auto* entry = kIndex.Entries(*text);; ++entry) {
+        if (text[1] == entry->text[1] && strncmp(text, entry->text, entry->length) == 0) {
+            if (kWanted.final_result[entry->number]) return Match::final_result;
             match = Match::marker;
         }
         if (entry->last_of_character) return match;
@@ -258,28 +238,35 @@ inline Match MatchMarker(const char* text) {
 }  // namespace
 
 size_t AppendReceived(char* pBuf, char* pRecv) {
+    BufferedText buffered{.length = strnlen(pBuf, kMaxBuffered), .line_break = {}};
+    return AppendReceived(pBuf, pRecv, buffered);
+}
+
+size_t AppendReceived(char* pBuf, char* pRecv, BufferedText& buffered) {
     // Some modems say how a command ended in words of their own.
     if (strncmp(pRecv, "status=Failure", 14) == 0)
         memcpy(pRecv, "\r\nERROR\r\n", 10);
     else if (strncmp(pRecv, "status=Ok", 9) == 0)
         memcpy(pRecv, "\r\nOK\r\n", 7);
 
-    size_t length = strnlen(pBuf, kMaxBuffered);
-    if (length == 0) {
+    const bool was_empty = buffered.length == 0;
+    if (was_empty) {
+        buffered.line_break = {};
         const char* line_break = Find_Sub_Str(pRecv, "\r\n");
         if (line_break != nullptr) pRecv += line_break - pRecv;
     }
-    const size_t added = strnlen(pRecv, kMaxBuffered - length);
-    memcpy(pBuf + length, pRecv, added);
-    const bool was_empty = length == 0;
-    length += added;
-    pBuf[length] = '\0';
+    const size_t added = strnlen(pRecv, kMaxBuffered - buffered.length);
+    memcpy(pBuf + buffered.length, pRecv, added);
+    buffered.length += added;
+    pBuf[buffered.length] = '\0';
     if (was_empty) return 0;
 
-    const char* line_break = Find_Sub_Str(pBuf, "\r\n");
+    const char* line_break = buffered.line_break.Find(pBuf, "\r\n", 2);
     if (line_break == nullptr || line_break == pBuf) return 0;
     const auto dropped = static_cast<size_t>(line_break - pBuf);
-    memmove(pBuf, line_break, length - dropped + 1);
+    buffered.length -= dropped;
+    buffered.line_break = {};
+    memmove(pBuf, line_break, buffered.length + 1);
     return dropped;
 }
 
@@ -292,49 +279,100 @@ int Bk_PreProcess_SIO_Rdata(char* pBuf, int* pnComplete, char* pRecv) {
 
 const char* Find_At_Res_End_Flg(const char* pText) {
     if (pText == nullptr) return nullptr;
-    bool quoted = false;
-    for (const char* at = pText; *at != '\0'; ++at) {
-        if (*at == '"') quoted = !quoted;
-        if (quoted || MatchMarker(at) == Match::none) continue;
-        const char* line_break = Find_Sub_Str(at, "\r\n");
-        if (line_break != nullptr) return line_break + 2;
-        const char* prompt = Find_Sub_Str(at, "> ");
-        if (prompt == nullptr) return nullptr;
-        g_sms_prompt = 1;
-        return prompt + 2;
+    for (;;) {
+        const ModemLine line = ReadLine(pText);
+        if (line.marker == nullptr && line.complete) {
+            pText = line.end;
+            continue;
+        }
+        if (line.marker != nullptr && line.complete) return line.end;
+        return PromptEnd(line);
     }
-    return nullptr;
+}
+
+const char* PromptEnd(const ModemLine& line) {
+    if (line.prompt == nullptr) return nullptr;
+    g_sms_prompt = 1;
+    return line.prompt + 2;
 }
 
 ModemLine ReadLine(const char* begin) {
-    ModemLine line{.begin = begin,
-                   .text_end = begin,
-                   .end = begin,
-                   .colon = nullptr,
-                   .marker = nullptr,
-                   .complete = false,
-                   .final_result = false};
-    bool quoted = false;
-    const char* at = begin;
-    for (; *at != '\0'; ++at) {
-        if (*at == '"') {
-            quoted = !quoted;
-            continue;
+    LineScan scan;
+    return ReadLine(begin, scan);
+}
+
+ModemLine ReadLine(const char* begin, LineScan& scan) {
+    const char* at = begin + scan.at;
+    const char* text_end = nullptr;
+    uint32_t opens = literals::kAlways;
+    bool quoted = scan.quoted;
+    for (;;) {
+        if (quoted) {
+            at = literals::SkipQuoted(at);
+            if (*at == '\0') break;
+            quoted = false;
+            opens = literals::kAlways;
+            ++at;
         }
-        if (quoted) continue;
-        if (*at == '\r' && at[1] == '\n') {
-            line.complete = true;
-            break;
+        at = literals::Walk(kIndex.masks.data(), at, opens);
+        const literals::ByteMasks& masks = kIndex.masks[static_cast<unsigned char>(*at)];
+        if ((opens & masks.follows & ~literals::kAlways) != 0) {
+            const char* const start = at - 1;
+            const auto offset = static_cast<size_t>(start - begin);
+            if (*start == '\r') {
+                text_end = start;
+                break;
+            }
+            const Match match = MatchMarker(start);
+            if (match != Match::none) {
+                if (scan.marker == kNowhere) scan.marker = offset;
+                if (match == Match::final_result) scan.final_result = true;
+                if (*start == '>' && scan.prompt == kNowhere) scan.prompt = offset;
+            }
         }
-        if (*at == ':' && line.colon == nullptr) line.colon = at;
-        const Match match = MatchMarker(at);
-        if (match == Match::none) continue;
-        if (line.marker == nullptr) line.marker = at;
-        if (match == Match::final_result) line.final_result = true;
+        if (*at == '\0') break;
+        if (*at == ':' && scan.colon == kNowhere) scan.colon = static_cast<size_t>(at - begin);
+        quoted = *at == '"';
+        opens = masks.opens;
+        ++at;
     }
-    line.text_end = at;
-    line.end = line.complete ? at + 2 : at;
+
+    const auto place = [begin](size_t offset) { return offset == kNowhere ? nullptr : begin + offset; };
+    ModemLine line{.begin = begin,
+                   .text_end = text_end != nullptr ? text_end : at,
+                   .end = text_end != nullptr ? text_end + 2 : at,
+                   .colon = place(scan.colon),
+                   .marker = place(scan.marker),
+                   .prompt = place(scan.prompt),
+                   .complete = text_end != nullptr,
+                   .final_result = scan.final_result};
+    if (line.complete) {
+        scan.at = line.Length();
+        scan.quoted = false;
+        return line;
+    }
+    // A marker may have been cut in two by the end of the text: what can be the start of one is read again,
+    // and a marker found there may not be the first one then.
+    const size_t again = line.Length() < kIndex.longest - 1 ? line.Length() : kIndex.longest - 1;
+    const char* const from = line.text_end - again;
+    for (const char* back = from; back != line.text_end; ++back)
+        if (*back == '"') quoted = !quoted;
+    scan.at = static_cast<size_t>(from - begin);
+    scan.quoted = quoted;
+    if (scan.marker != kNowhere && scan.marker >= scan.at) scan.marker = kNowhere;
     return line;
+}
+
+bool IsHexLine(const ModemLine& line, LineScan& scan) {
+    const size_t length = line.Length();
+    while (scan.hex_digits < length) {
+        const char digit = line.begin[scan.hex_digits];
+        const bool decimal = digit >= '0' && digit <= '9';
+        const bool letter = (digit >= 'A' && digit <= 'F') || (digit >= 'a' && digit <= 'f');
+        if (!decimal && !letter) return false;
+        ++scan.hex_digits;
+    }
+    return length != 0;
 }
 
 int Split_At_Res_Head(char* pBuf, char* pOut) {

@@ -30,6 +30,27 @@ MSG_BUF g_message;
 // Where the last report line was taken out of gStrResAtBuffer.
 Continuation g_continuation;
 
+// What is known of gStrResAtBuffer, so that a read costs what it brought. The offsets of the last three count
+// from where the text begins that has not been handled.
+struct Known {
+    BufferedText buffered;
+    SortingMemory sorting;
+    GrowingSearch broadcast;
+    GrowingSearch status_report;
+
+    void DropFront(size_t count) {
+        sorting.DropFront(count);
+        broadcast.Remove(0, count);
+        status_report.Remove(0, count);
+    }
+    void RemoveLines(size_t begin, size_t end, const Continuation& follows) {
+        sorting.RemoveLines(begin, end, follows);
+        broadcast.Remove(begin, end);
+        status_report.Remove(begin, end);
+    }
+};
+Known g_known;
+
 // Where the echo of the next line may stand: at the start of the buffered text, when what preceded it has
 // been handled, or behind the line break that was left there in front of a report.
 enum class EchoPlace { none, start, behind_break };
@@ -170,11 +191,38 @@ char* SkipEcho(char* text) {
     return line_break != nullptr ? line_break : follows;
 }
 
+// Takes the lines from `begin` to `end` out of the text; returns where it begins then. Whichever is shorter
+// moves: what stood before them or what stands behind.
+char* TakeOut(char* text, char* begin, char* end) {
+    auto before = static_cast<size_t>(begin - text);
+    // Of nothing but line breaks one is enough.
+    const bool only_breaks = before >= 2 && strspn(text, "\r\n") >= before;
+    g_echo_place = only_breaks ? EchoPlace::behind_break : EchoPlace::none;
+    if (only_breaks) {
+        g_known.DropFront(before - 2);
+        before = 2;
+    }
+    g_known.RemoveLines(before, before + static_cast<size_t>(end - begin), g_continuation);
+
+    const size_t behind = g_known.buffered.length - static_cast<size_t>(end - gStrResAtBuffer);
+    if (only_breaks || before <= behind) {
+        memmove(end - before, begin - before, before);
+        return end - before;
+    }
+    memmove(begin, end, behind + 1);
+    g_known.buffered.length -= static_cast<size_t>(end - begin);
+    if (g_continuation.at != nullptr) g_continuation.at = begin;
+    return text;
+}
+
 // Handles the responses in the buffered text one after the other; returns where the unfinished rest begins.
 char* HandleResponses(char* text) {
     for (;;) {
-        text = SkipEcho(text);
-        const Response response = NextResponse(text, PendingCommand::Current(), g_continuation);
+        char* const behind_echo = SkipEcho(text);
+        if (behind_echo != text) g_known.DropFront(static_cast<size_t>(behind_echo - text));
+        text = behind_echo;
+        const Response response =
+            NextResponse(text, PendingCommand::Current(), g_continuation, g_known.sorting);
         if (response.cut == Cut::nothing) return text;
         g_continuation = response.continuation;
         char* const begin = text + (response.begin - text);
@@ -182,8 +230,10 @@ char* HandleResponses(char* text) {
 
         if (response.cut != Cut::leftover) {
             // Both look past the response: a broadcast is reported with each response framed up to it.
-            if (Find_Sub_Str(text, "+CBM:") != nullptr) cbm_resolve(text);
-            if (Find_Sub_Str(text, "+CDS: ") != nullptr) cds_resolve(text);
+            const char* const broadcast = g_known.broadcast.Find(text, "+CBM:", 5);
+            if (broadcast != nullptr) cbm_resolve(broadcast);
+            const char* const status_report = g_known.status_report.Find(text, "+CDS: ", 6);
+            if (status_report != nullptr) cds_resolve(status_report);
             const char kept = *end;
             *end = '\0';
             HandleResponse(begin, response.cut, response.in_answer);
@@ -191,34 +241,34 @@ char* HandleResponses(char* text) {
         }
         if (response.cut == Cut::framed) {
             g_echo_place = EchoPlace::start;
+            g_known.DropFront(static_cast<size_t>(end - text));
             text = end;
-            continue;
+        } else {
+            text = TakeOut(text, begin, end);
         }
-        // The line goes, what stood before it moves up. Of nothing but line breaks one is enough.
-        auto before = static_cast<size_t>(begin - text);
-        const bool only_breaks = before >= 2 && strspn(text, "\r\n") >= before;
-        if (only_breaks) before = 2;
-        g_echo_place = only_breaks ? EchoPlace::behind_break : EchoPlace::none;
-        memmove(end - before, begin - before, before);
-        text = end - before;
     }
 }
 
 // The unfinished rest becomes the buffer's content.
 void CarryOver(char* rest) {
-    size_t length = strlen(rest);
+    size_t length = g_known.buffered.length - static_cast<size_t>(rest - gStrResAtBuffer);
     // A rest that begins in the middle of a line gets the line break that pre-processing looks for; an echo
     // is to be dropped by it.
     const bool bare = length != 0 && rest[0] != '\r' && strncmp(rest, "AT", 2) != 0;
     const size_t shift = bare && length + 2 <= kMaxBuffered ? 2 : 0;
     char* const moved = gStrResAtBuffer + shift;
-    if (g_continuation.at != nullptr) g_continuation.at = moved + (g_continuation.at - rest);
-    memmove(moved, rest, length + 1);
+    if (moved != rest) {
+        if (g_continuation.at != nullptr) g_continuation.at = moved + (g_continuation.at - rest);
+        memmove(moved, rest, length + 1);
+        g_known.buffered.line_break = {};
+    }
     if (shift != 0) {
         memcpy(gStrResAtBuffer, "\r\n", 2);
         if (g_echo_place == EchoPlace::start) g_echo_place = EchoPlace::behind_break;
+        g_known = {};
     }
     length += shift;
+    g_known.buffered.length = length;
 
     if (length >= kMaxBuffered) {
         AT_LOG(LOG_ERR, "receive buffer is full, %d characters without a complete response dropped",
@@ -234,7 +284,11 @@ void ProcessReceived(char* received) {
     char* text = AtResponseText(received, g_responder_text) == received ? received : g_responder_text;
     AT_LOG(LOG_DEBUG, "pAtRes=%s", text);
 
-    if (AppendReceived(gStrResAtBuffer, text) != 0) g_continuation = {};
+    if (gStrResAtBuffer[0] == '\0') g_known = {};
+    if (AppendReceived(gStrResAtBuffer, text, g_known.buffered) != 0) {
+        g_continuation = {};
+        g_known = {.buffered = g_known.buffered, .sorting = {}, .broadcast = {}, .status_report = {}};
+    }
     CarryOver(HandleResponses(gStrResAtBuffer));
 }
 
@@ -257,6 +311,7 @@ uint32_t on_recieve_at() {
 
 void ForgetReceived() {
     gStrResAtBuffer[0] = '\0';
+    g_known = {};
     g_continuation = {};
     g_echo_place = EchoPlace::none;
 }

@@ -33,16 +33,6 @@ bool HasAnyName(const ModemLine& line, const char* const (&names)[count]) {
     return false;
 }
 
-bool IsHexLine(const ModemLine& line) {
-    if (line.Empty()) return false;
-    for (const char* at = line.begin; at != line.text_end; ++at) {
-        const bool digit = *at >= '0' && *at <= '9';
-        const bool letter = (*at >= 'A' && *at <= 'F') || (*at >= 'a' && *at <= 'f');
-        if (!digit && !letter) return false;
-    }
-    return true;
-}
-
 // A named line that no command of ours can have caused: it looks like a result code, has no row and no end
 // marker.
 bool IsUnknownReport(const ModemLine& line) {
@@ -72,32 +62,6 @@ bool BringsPdu(const ModemLine& line) {
     return HasName(line, "+CBM") || HasName(line, "+CDS");
 }
 
-// Takes `line` as a response that starts at `begin`. Nothing, when the PDU that belongs to it is still on its
-// way.
-Response TakeLine(Cut cut, const char* begin, const ModemLine& line, bool in_answer) {
-    Response response{cut, begin, line.end, in_answer, {}};
-    if (BringsPdu(line)) {
-        const ModemLine next = ReadLine(line.end);
-        if (IsHexLine(next) && next.complete)
-            response.end = next.end;
-        else if (!next.complete && (next.Empty() || IsHexLine(next)))
-            response.cut = Cut::nothing;
-    } else if (cut == Cut::report) {
-        response.continuation = {line.end, IsUnknownReport(line), HasAnyName(line, kSendableReportNames)};
-    }
-    return response;
-}
-
-// The first line of the pending command's own name, up to the first final result. Null when there is none.
-const char* FindOwnLine(const char* text, const PendingCommand& pending) {
-    if (pending.name == nullptr || pending.literal) return nullptr;
-    for (ModemLine line = ReadLine(text); line.complete; line = ReadLine(line.end)) {
-        if (HasName(line, pending.name)) return line.begin;
-        if (line.final_result && !IsReportLine(line, pending)) return nullptr;
-    }
-    return nullptr;
-}
-
 }  // namespace
 
 PendingCommand PendingCommand::Current() {
@@ -124,70 +88,192 @@ PendingCommand PendingCommand::Current() {
     return pending;
 }
 
-Response NextResponse(const char* text, const PendingCommand& pending, const Continuation& continuation) {
-    const char* const own = FindOwnLine(text, pending);
-    bool begun_by_name = false;   // the answer's own line has been passed
-    bool begun_by_text = false;   // a nameless line has been passed that only an answer can have
-    bool named_seen = false;      // a line of another name has been passed
-    const char* other = nullptr;  // the start of such a line, when the answer is known to stand behind it
-    bool follows_report = continuation.at != nullptr;
+// One call of NextResponse.
+class Sorter {
+  public:
+    Sorter(const char* text, const PendingCommand& pending, const Continuation& continuation,
+           SortingMemory& memory)
+        : text_(text),
+          pending_(pending),
+          continuation_(continuation),
+          memory_(memory),
+          judged_(memory.judged_) {
+        const size_t at = continuation.at != nullptr ? Offset(continuation.at) : kNowhere;
+        const bool same_command = memory.pending_ == pending;
+        const bool continues = memory.continues_at_ == at && memory.hex_line_ == continuation.hex_line &&
+                               memory.late_ok_ == continuation.late_ok;
+        if (!same_command) memory.own_ = {};
+        if (!same_command || !continues) judged_ = {.follows_report = at != kNowhere};
+        memory.pending_ = pending;
+        memory.continues_at_ = at;
+        memory.hex_line_ = continuation.hex_line;
+        memory.late_ok_ = continuation.late_ok;
 
-    ModemLine line = ReadLine(text);
-    for (; line.complete; line = ReadLine(line.end)) {
-        if (line.Empty()) continue;
+        own_ = FindOwnLine();
+        // Lines that were judged while it was unknown are judged otherwise now.
+        if ((own_ != nullptr) != judged_.own_known)
+            judged_ = {.own_known = own_ != nullptr, .follows_report = at != kNowhere};
+    }
 
-        if (follows_report && line.begin >= continuation.at) {
-            follows_report = false;
-            if (continuation.hex_line && line.begin == continuation.at && IsHexLine(line))
-                return {Cut::leftover, line.begin, line.end, false, {}};
-            if (continuation.late_ok && pending.id == 0 && line.Length() == 2 && BeginsWith(line, "OK"))
-                return {Cut::leftover, line.begin, line.end, false, {}};
-        }
-
-        if (line.begin == own) {
-            if (other != nullptr) return {Cut::framed, text, line.begin, false, {}};
-            begun_by_name = true;
-            if (line.final_result) return {Cut::framed, text, line.end, false, {}};
-            continue;
-        }
-        if (IsReportLine(line, pending)) {
-            // What stands before the answer is complete where the next named line begins.
-            if (other != nullptr) return {Cut::framed, text, line.begin, false, {}};
-            const Response response = TakeLine(Cut::report, line.begin, line, begun_by_name || begun_by_text);
+    Response Next() {
+        ModemLine line = Read(text_ + judged_.line);
+        for (; line.complete; line = Read(line.end)) {
+            const Response response = Judge(line);
             if (response.cut != Cut::nothing) return response;
-            continue;
+            if (!waits_) judged_.line = Offset(line.end);
         }
-        if (line.final_result) return {Cut::framed, text, line.end, false, {}};
+        // Only an unfinished line is left: the prompt for the text of a message has no line break behind it.
+        const char* const end = judged_.begun_by_name ? nullptr : PromptEnd(line);
+        return end != nullptr ? Framed(end) : Response{};
+    }
 
-        if (begun_by_name || begun_by_text) {
-            const bool own_name = pending.name != nullptr && HasName(line, pending.name);
-            if (line.BeginsWithMarker() && !BeginsWith(line, "> ") && !own_name) {
-                const Response response = TakeLine(Cut::inside, line.begin, line, true);
-                if (response.cut != Cut::nothing) return response;
-                continue;
+  private:
+    size_t Offset(const char* at) const { return static_cast<size_t>(at - text_); }
+    Response Framed(const char* end) const { return {Cut::framed, text_, end, false, {}}; }
+
+    LineScan& ScanOf(const char* begin) {
+        SortingMemory::ReadLines& lines = memory_.lines_;
+        const size_t at = Offset(begin);
+        for (size_t i = 0; i < 2; ++i)
+            if (lines.line[i] == at) return lines.scan[i];
+        const unsigned replaced = lines.oldest;
+        lines.oldest ^= 1U;
+        lines.line[replaced] = at;
+        return lines.scan[replaced] = {};
+    }
+    ModemLine Read(const char* begin) { return ReadLine(begin, ScanOf(begin)); }
+    bool IsHex(const ModemLine& line) { return IsHexLine(line, ScanOf(line.begin)); }
+
+    // The first line of the pending command's own name, up to the first final result. Null when there is
+    // none.
+    const char* FindOwnLine() {
+        if (pending_.name == nullptr || pending_.literal) return nullptr;
+        SortingMemory::OwnLine& own = memory_.own_;
+        if (own.state == SortingMemory::Own::searched) {
+            ModemLine line = Read(text_ + own.at);
+            for (; line.complete; line = Read(line.end)) {
+                if (HasName(line, pending_.name)) {
+                    own.state = SortingMemory::Own::found;
+                    break;
+                }
+                if (line.final_result && !IsReportLine(line, pending_)) {
+                    own.state = SortingMemory::Own::none;
+                    break;
+                }
             }
-            if (begun_by_name || own == nullptr) continue;
+            own.at = Offset(line.begin);
+        }
+        return own.state == SortingMemory::Own::found ? text_ + own.at : nullptr;
+    }
+
+    // Takes `line` as a response that starts at `begin`. Nothing, when the PDU that belongs to it is still on
+    // its way: then it is judged again.
+    Response TakeLine(Cut cut, const char* begin, const ModemLine& line, bool in_answer) {
+        Response response{cut, begin, line.end, in_answer, {}};
+        if (BringsPdu(line)) {
+            const ModemLine next = Read(line.end);
+            const bool hex = IsHex(next);
+            if (hex && next.complete) {
+                response.end = next.end;
+            } else if (!next.complete && (next.Empty() || hex)) {
+                response.cut = Cut::nothing;
+                waits_ = true;
+            }
+        } else if (cut == Cut::report) {
+            response.continuation = {line.end, IsUnknownReport(line), HasAnyName(line, kSendableReportNames)};
+        }
+        return response;
+    }
+
+    // The response that `line` ends or is. Nothing, when it is part of something that goes on.
+    Response Judge(const ModemLine& line) {
+        if (line.Empty()) return {};
+
+        if (judged_.follows_report && line.begin >= continuation_.at) {
+            judged_.follows_report = false;
+            if (continuation_.hex_line && line.begin == continuation_.at && IsHex(line))
+                return {Cut::leftover, line.begin, line.end, false, {}};
+            if (continuation_.late_ok && pending_.id == 0 && line.Length() == 2 && BeginsWith(line, "OK"))
+                return {Cut::leftover, line.begin, line.end, false, {}};
+        }
+
+        const bool behind_other = judged_.other != kNowhere;
+        if (line.begin == own_) {
+            if (behind_other) return Framed(line.begin);
+            judged_.begun_by_name = true;
+            return line.final_result ? Framed(line.end) : Response{};
+        }
+        const bool begun = judged_.begun_by_name || judged_.begun_by_text;
+        if (IsReportLine(line, pending_)) {
+            // What stands before the answer is complete where the next named line begins.
+            if (behind_other) return Framed(line.begin);
+            return TakeLine(Cut::report, line.begin, line, begun);
+        }
+        if (line.final_result) return Framed(line.end);
+
+        if (begun) {
+            const bool own_name = pending_.name != nullptr && HasName(line, pending_.name);
+            if (line.BeginsWithMarker() && !BeginsWith(line, "> ") && !own_name)
+                return TakeLine(Cut::inside, line.begin, line, true);
+            if (judged_.begun_by_name || own_ == nullptr) return {};
         }
 
         if (line.marker != nullptr) {
-            if (other != nullptr) return {Cut::framed, text, line.begin, false, {}};
-            const Response response = TakeLine(Cut::framed, text, line, false);
-            if (response.cut != Cut::nothing) return response;
-            continue;
+            if (behind_other) return Framed(line.begin);
+            return TakeLine(Cut::framed, text_, line, false);
         }
         if (line.colon != nullptr) {
-            if (other != nullptr) return {Cut::framed, text, line.begin, false, {}};
-            named_seen = true;
-            if (own != nullptr) other = line.begin;
-        } else if (pending.id != 0 && !named_seen) {
-            begun_by_text = true;
+            if (behind_other) return Framed(line.begin);
+            judged_.named_seen = true;
+            if (own_ != nullptr) judged_.other = Offset(line.begin);
+        } else if (pending_.id != 0 && !judged_.named_seen) {
+            judged_.begun_by_text = true;
         }
+        return {};
     }
 
-    // Only an unfinished line is left: the prompt for the text of a message has no line break behind it.
-    if (!begun_by_name) {
-        const char* end = Find_At_Res_End_Flg(line.begin);
-        if (end != nullptr) return {Cut::framed, text, end, false, {}};
-    }
-    return {};
+    const char* const text_;
+    const PendingCommand& pending_;
+    const Continuation& continuation_;
+    SortingMemory& memory_;
+    SortingMemory::Judged& judged_;
+    const char* own_ = nullptr;
+    bool waits_ = false;  // a line has been reached whose PDU is still on its way
+};
+
+void SortingMemory::DropFront(size_t count) {
+    judged_ = {};
+    continues_at_ = kNowhere;
+    if (own_.at < count)
+        own_ = {};
+    else
+        own_.at -= count;
+    for (size_t& line : lines_.line)
+        if (line != kNowhere) line = line < count ? kNowhere : line - count;
+}
+
+void SortingMemory::RemoveLines(size_t begin, size_t end, const Continuation& follows) {
+    const size_t count = end - begin;
+    const bool stands_there = judged_.line == begin;
+    continues_at_ = follows.at != nullptr ? begin : kNowhere;
+    hex_line_ = follows.hex_line;
+    late_ok_ = follows.late_ok;
+    if (!stands_there) judged_ = {};
+    judged_.follows_report = follows.at != nullptr;
+    if (own_.at >= end)
+        own_.at -= count;
+    else if (own_.at >= begin)
+        own_ = {};
+    for (size_t& line : lines_.line)
+        if (line != kNowhere && line >= begin) line = line < end ? kNowhere : line - count;
+}
+
+Response NextResponse(const char* text, const PendingCommand& pending, const Continuation& continuation) {
+    SortingMemory memory;
+    return NextResponse(text, pending, continuation, memory);
+}
+
+Response NextResponse(const char* text, const PendingCommand& pending, const Continuation& continuation,
+                      SortingMemory& memory) {
+    return Sorter(text, pending, continuation, memory).Next();
 }

@@ -4,6 +4,8 @@
 #include <stddef.h>
 #include <stdint.h>
 
+#include "codec/framing.h"
+
 // Sorting buffered modem text into responses.
 //
 // A modem speaks at its own time: a report can stand before an answer, inside it, or be cut off in the
@@ -19,6 +21,8 @@ struct PendingCommand {
     bool literal = false;  // its lines are taken as reports or forwarded one by one: framing alone decides
 
     static PendingCommand Current();  // of g_at_msg and the current card mode
+
+    bool operator==(const PendingCommand&) const = default;
 };
 
 // Where a line that was taken out as a report stood, for a line that belongs to it and comes later.
@@ -45,7 +49,59 @@ struct Response {
     Continuation continuation;  // for what follows the response
 };
 
+// What the sorting knows of a text that grows at its end, so that it looks at each byte a bounded number of
+// times however many pieces the text comes in. Offsets count from the start of the text. Whoever changes the
+// text otherwise says so: by one of the functions below, or with a new object.
+class SortingMemory {
+  public:
+    // `count` characters went from the start of the text, up to a place outside quotes.
+    void DropFront(size_t count);
+    // The lines from `begin` to `end`, which the last response was, went. `follows` says what continues
+    // there.
+    void RemoveLines(size_t begin, size_t end, const Continuation& follows);
+
+  private:
+    friend class Sorter;
+
+    // The answer's own line, which is looked for ahead of the judging.
+    enum class Own { searched, found, none };
+    struct OwnLine {
+        Own state = Own::searched;
+        size_t at = 0;  // where the line stands, or the line to go on with
+    };
+
+    // What has been judged: the lines before `line`.
+    struct Judged {
+        size_t line = 0;
+        size_t other = kNowhere;      // a line of another name, when the answer is known to stand behind it
+        bool begun_by_name = false;   // the answer's own line has been passed
+        bool begun_by_text = false;   // a nameless line has been passed that only an answer can have
+        bool named_seen = false;      // a line of another name has been passed
+        bool own_known = false;       // the answer's own line was known
+        bool follows_report = false;  // what the continuation speaks of has not been reached
+    };
+
+    // The two lines read last: the unfinished one, and one that waits for it.
+    struct ReadLines {
+        size_t line[2] = {kNowhere, kNowhere};
+        LineScan scan[2];
+        unsigned oldest = 0;
+    };
+
+    PendingCommand pending_;
+    size_t continues_at_ = kNowhere;
+    bool hex_line_ = false;
+    bool late_ok_ = false;
+    OwnLine own_;
+    Judged judged_;
+    ReadLines lines_;
+};
+
 // The earliest complete response in `text` (NUL-terminated).
 Response NextResponse(const char* text, const PendingCommand& pending, const Continuation& continuation);
+
+// The same, going on where the last call stopped. When it returns a response, `memory` stands before it.
+Response NextResponse(const char* text, const PendingCommand& pending, const Continuation& continuation,
+                      SortingMemory& memory);
 
 #endif

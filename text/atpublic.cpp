@@ -21,6 +21,30 @@ const char* Find_Sub_Str(const char* str, const char* sub) {
     }
 }
 
+const char* GrowingSearch::Find(const char* text, const char* sub, size_t length) {
+    for (const char* now = text + at;; ++now) {
+        if (quoted) {
+            while (*now != '"' && *now != '\0')
+                ++now;
+        } else {
+            while (*now != *sub && *now != '"' && *now != '\0')
+                ++now;
+        }
+        if (*now == '"') {
+            quoted = !quoted;
+            continue;
+        }
+        size_t same = 0;
+        while (!quoted && same < length && now[same] == sub[same] && sub[same] != '\0')
+            ++same;
+        // Where the text ends inside a match, the rest of it may still come.
+        if (*now == '\0' || same == length || now[same] == '\0') {
+            at = static_cast<size_t>(now - text);
+            return same == length ? now : nullptr;
+        }
+    }
+}
+
 char* findnum(const char* src, char* dst) {
     if (src == nullptr || dst == nullptr) return dst;
     const char* open = strchr(src, '"');

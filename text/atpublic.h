@@ -1,6 +1,8 @@
 #ifndef AT_TEXT_ATPUBLIC_H
 #define AT_TEXT_ATPUBLIC_H
 
+#include <stddef.h>
+
 // Text helpers that framing, parsing and the decoders share. AT parameter text is comma-separated, strings
 // stand in double quotes, and a quoted string may contain anything: commas, blanks, even result words. So
 // searches skip quoted text, and a parameter line is turned into blank-separated words in which quoted blanks
@@ -27,6 +29,24 @@ const char* Find_Sub_Str(const char* str, const char* sub);
 inline char* Find_Sub_Str(char* str, const char* sub) {
     return const_cast<char*>(Find_Sub_Str(static_cast<const char*>(str), sub));
 }
+
+// The same search, continued in a text that only grows at its end: what was searched is not searched again.
+struct GrowingSearch {
+    size_t at = 0;        // offset from the start of the text: nothing was found before it
+    bool quoted = false;  // at `at`
+
+    // `length` is that of `sub`, which does not begin with a double quote and is not empty.
+    const char* Find(const char* text, const char* sub, size_t length);
+
+    // The text from `begin` to `end`, both outside quotes, is taken out; what stood around it makes no new
+    // match.
+    void Remove(size_t begin, size_t end) {
+        if (at >= end)
+            at -= end - begin;
+        else if (at > begin)
+            *this = {.at = begin, .quoted = false};
+    }
+};
 
 // Copies the text between the first two double quotes of `src` into `dst`, which is at least as large as
 // `src` and zeroed by the caller (no terminator is added). An opening quote alone gives "0", no quote changes

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "checks/support/log_capture.h"
-#include "checks/unit/plain_framing.h"
+#include "checks/support/plain_framing.h"
 #include "codec/framing.h"
 
 namespace {

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "checks/unit/plain_framing.h"
+#include "checks/support/plain_framing.h"
 
 namespace {
 
