@@ -80,22 +80,67 @@ const AT_CMD_ITEM_T g_astAtCmdTable[kAtCmdTableSize] = {
     AT_TEN_ROWS(150), AT_TEN_ROWS(160), AT_TEN_ROWS(170), AT_ROW(180),      AT_ROW(181),
     AT_ROW(182),      AT_ROW(183),      AT_ROW(184),      AT_ROW(185)};
 
+namespace {
+
+// The rows in the order of their ids and of their names; rows that share one stand in table order, so that
+// the first row is the one that is found.
+using Order = std::array<uint8_t, kAtCmdTableSize>;
+
+template <typename Before>
+consteval Order Sorted(Before before) {
+    Order order{};
+    for (size_t used = 0; used < order.size(); ++used) {
+        size_t place = used;
+        while (place > 0 && before(kTable[used], kTable[order[place - 1]])) {
+            order[place] = order[place - 1];
+            --place;
+        }
+        order[place] = static_cast<uint8_t>(used);
+    }
+    return order;
+}
+
+constexpr Order kById =
+    Sorted([](const AT_CMD_ITEM_T& a, const AT_CMD_ITEM_T& b) { return a.usCmdID < b.usCmdID; });
+
+consteval bool NameBefore(const AT_CMD_ITEM_T& a, const AT_CMD_ITEM_T& b) {
+    size_t at = 0;
+    while (a.acCmdName[at] != '\0' && a.acCmdName[at] == b.acCmdName[at])
+        ++at;
+    return static_cast<unsigned char>(a.acCmdName[at]) < static_cast<unsigned char>(b.acCmdName[at]);
+}
+constexpr Order kByName = Sorted(NameBefore);
+
+// The first of the sorted rows that does not stand before what is looked for; the number of rows for none.
+template <typename Before>
+size_t LowerBound(const Order& order, Before before) {
+    size_t low = 0;
+    size_t high = order.size();
+    while (low < high) {
+        const size_t middle = (low + high) / 2;
+        if (before(g_astAtCmdTable[order[middle]]))
+            low = middle + 1;
+        else
+            high = middle;
+    }
+    return low;
+}
+
+}  // namespace
+
 int Bk_Find_Cmd_By_Id(uint16_t id, int* index) {
     if (index == nullptr) return 1;
-    for (int i = 0; i < kAtCmdTableSize; ++i) {
-        if (g_astAtCmdTable[i].usCmdID != id) continue;
-        *index = i;
-        return 0;
-    }
-    return 1;
+    const size_t found = LowerBound(kById, [id](const AT_CMD_ITEM_T& row) { return row.usCmdID < id; });
+    if (found == kById.size() || g_astAtCmdTable[kById[found]].usCmdID != id) return 1;
+    *index = kById[found];
+    return 0;
 }
 
 int Bk_Find_Cmd_By_Name(int* pIndex, const char* name) {
     if (pIndex == nullptr || name == nullptr) return -1;
-    for (int i = 0; i < kAtCmdTableSize; ++i) {
-        if (strcmp(g_astAtCmdTable[i].acCmdName, name) != 0) continue;
-        *pIndex = i;
-        return 0;
-    }
-    return -1;
+    const size_t found =
+        LowerBound(kByName, [name](const AT_CMD_ITEM_T& row) { return strcmp(row.acCmdName, name) < 0; });
+    if (found == kByName.size() || strcmp(g_astAtCmdTable[kByName[found]].acCmdName, name) != 0) return -1;
+    *pIndex = kByName[found];
+    return 0;
 }
