@@ -7,6 +7,7 @@
 #include "records/report.h"
 #include "records/state.h"
 #include "text/atpublic.h"
+#include "text/literals.h"
 
 // The scan of one framed response into its result class, name and parameter text, line by line.
 
@@ -32,67 +33,204 @@ constexpr const char* kUssdErrors[] = {
     "+CME ERROR: invalid deflected to number",
 };
 
+// Everything that a line is tested for, found in one walk over it.
+enum Name : uint8_t {
+    kCmsError,
+    kCmeError,
+    kVoiceNoCarrier,
+    kHangUp,
+    kZpstm,
+    kZmtime,
+    kZdist,
+    kZfdist,
+    kZunsupport,
+    kZsmsr,
+    kZsti,
+    kZginp,
+    kZgink,
+    kClip,
+    kCcwa,
+    kRingbackReport,
+    kZvconnect,
+    kCmti,
+    kZrefresh,
+    kZvmti,
+    kZvmail,
+    kCdsi,
+    kZclas,
+    kZconstat,
+    kCgev,
+    kZnitz,
+    kCusd,
+    kZlockband,
+    kZlockf,
+    kZconv,
+    kZgipdns,
+    kZpbic,
+    kMode,
+    kXwT352,
+    kConn,
+    kCend,
+    kZcpi,
+    kHrssilvl,
+    kRssi,
+    kSimst,
+    kSrvst,
+    kBoot,
+    kStin,
+    kDsflowrpt,
+    kOk,
+    kError,
+    kRingback,
+    kRingbackLocal,
+    kNoCarrier,
+    kBusy,
+    kNotSupport,
+    kZend,
+    kZsimrefresh,
+    kLineBreak,
+    kNames,
+};
+constexpr const char* kNameTexts[] = {
+    "CMS ERROR",  "CME ERROR",    "VOICE NO CARRIER ",
+    "HANGUP",     "ZPSTM",        "+ZMTime",
+    "+ZDIST",     "+ZFDIST",      "+ZUnsupport",
+    "+ZSMSR",     "+ZSTI",        "+ZGINP",
+    "+ZGINK",     "+CLIP",        "+CCWA",
+    "+RINGBACK",  "ZVCONNECT",    "+CMTI",
+    "ZREFRESH",   "+ZVMTI",       "ZVMAIL",
+    "+CDSI",      "+ZCLAS",       "+ZCONSTAT",
+    "+CGEV",      "+ZNITZ",       "+CUSD",
+    "+ZLOCKBAND", "+ZLOCKF",      "+ZCONV",
+    "+ZGIPDNS",   "+ZPBIC",       "^MODE",
+    "XW_T352",    "^CONN",        "^CEND",
+    "+ZCPI",      "^HRSSILVL",    "^RSSI",
+    "^SIMST",     "^SRVST",       "^BOOT",
+    "^STIN",      "^DSFLOWRPT",   "OK",
+    "ERROR",      "RINGBACK",     "RINGBACKLOCAL",
+    "NO CARRIER", "BUSY",         "not support",
+    "+ZEND",      "+ZSIMREFRESH", "\r\n",
+};
+static_assert(sizeof kNameTexts / sizeof kNameTexts[0] == kNames);
+constexpr auto kIndex = literals::MakeIndex(kNameTexts, "\":");
+
+using NameSet = uint64_t;
+static_assert(kNames <= 64);
+
+template <typename... More>
+constexpr NameSet Set(More... names) {
+    return ((NameSet{1} << names) | ...);
+}
+constexpr NameSet Range(Name first, Name last) {
+    return (Set(last) << 1) - Set(first);
+}
+
 // SIM toolkit events: where their parameters begin, and as what they are reported. "+ZUnsupport" is longer
 // than what is skipped and goes out as "+ZFDIST"; the toolkit module expects it so.
 struct ToolkitEvent {
-    const char* name;
+    Name name;
     size_t skip;
     uint16_t command;
 };
 constexpr ToolkitEvent kToolkitEvents[] = {
-    {"ZPSTM", 8, 0x0709},   {"+ZMTime", 9, 0x0710},     {"+ZDIST", 8, 0x0706},
-    {"+ZFDIST", 9, 0x0711}, {"+ZUnsupport", 9, 0x0711}, {"+ZSMSR", 8, 0x0705},
-    {"+ZSTI", 7, 0x0702},   {"+ZGINP", 8, 0x070A},      {"+ZGINK", 8, 0x070C},
+    {kZpstm, 8, 0x0709},  {kZmtime, 9, 0x0710},     {kZdist, 8, 0x0706},
+    {kZfdist, 9, 0x0711}, {kZunsupport, 9, 0x0711}, {kZsmsr, 8, 0x0705},
+    {kZsti, 7, 0x0702},   {kZginp, 8, 0x070A},      {kZgink, 8, 0x070C},
 };
+constexpr NameSet kToolkit = Range(kZpstm, kZgink);
+static_assert(kToolkitEvents[0].name == kZpstm && kToolkitEvents[8].name == kZgink);
 
 // Reports that are recognised by their text later, so their lines are kept whole.
-constexpr const char* kModuleWholeLines[] = {
-    "+CLIP",  "+CCWA", "+RINGBACK", "ZVCONNECT", "+CMTI", "ZREFRESH", "+ZVMTI",
-    "ZVMAIL", "+CDSI", "+ZCLAS",    "+ZCONSTAT", "+CGEV", "+ZNITZ",
+constexpr NameSet kCallsAndHangUps = Set(kVoiceNoCarrier, kHangUp);
+constexpr NameSet kModuleWhole = Range(kClip, kZnitz);
+constexpr NameSet kGenericWhole = kCallsAndHangUps | kToolkit |
+                                  Set(kClip, kCcwa, kRingbackReport, kZvconnect, kCmti, kCdsi, kZvmti, kZconv,
+                                      kZconstat, kCgev, kZgipdns, kZpbic, kMode);
+constexpr NameSet kGenericVendor = Range(kConn, kDsflowrpt) | Set(kMode);
+constexpr NameSet kWholeResults = Set(kRingback, kRingbackLocal, kNoCarrier, kVoiceNoCarrier);
+
+// One line of a response.
+struct Line {
+    const char* text;
+    const char* end;          // of what is looked at: at most 1023 characters from the start
+    const char* colon;        // the first ":" outside quotes, or null
+    const char* colon_blank;  // the first ": " outside quotes, or null
+    NameSet names;            // what stands in it outside quotes
+
+    bool Has(NameSet any) const { return (names & any) != 0; }
+    size_t Length() const { return static_cast<size_t>(end - text); }
+    size_t LengthFrom(const char* from) const { return from < end ? static_cast<size_t>(end - from) : 0; }
 };
-constexpr const char* kGenericWholeLines[] = {
-    "+CLIP",  "+CCWA",     "+RINGBACK", "ZVCONNECT", "+CMTI",  "+CDSI", "+ZVMTI",
-    "+ZCONV", "+ZCONSTAT", "+CGEV",     "+ZGIPDNS",  "+ZPBIC", "^MODE",
+
+// Notes the names that start at `start` and end in the line.
+void NoteNames(const char* start, Line& line) {
+    for (const auto* entry = kIndex.Entries(*start);; ++entry) {
+        if (start[1] == entry->text[1] && line.LengthFrom(start) >= entry->length &&
+            strncmp(start, entry->text, entry->length) == 0)
+            line.names |= NameSet{1} << entry->number;
+        if (entry->last_of_character) return;
+    }
+}
+
+// Walks over the text from `text` to its end, or with `to_break` to the first line break outside quotes.
+// Returns where it stopped.
+const char* Read(const char* text, bool to_break, Line& line) {
+    const char* const most = text + (to_break ? kParaLineSize - 1 : kModemTextSize);
+    line = {.text = text, .end = most, .colon = nullptr, .colon_blank = nullptr, .names = 0};
+    uint32_t opens = literals::kAlways;
+    const char* at = text;
+    for (;; ++at) {
+        at = literals::Walk(kIndex.masks.data(), at, opens);
+        const literals::ByteMasks& masks = kIndex.masks[static_cast<unsigned char>(*at)];
+        if ((opens & masks.follows & ~literals::kAlways) != 0) {
+            if (*at != '\n')
+                NoteNames(at - 1, line);
+            else if (to_break) {
+                --at;
+                break;
+            }
+        }
+        opens = masks.opens;
+        if (*at == '\0') break;
+        if (*at == ':' && at < most) {
+            if (line.colon == nullptr) line.colon = at;
+            if (line.colon_blank == nullptr && at + 1 < most && at[1] == ' ') line.colon_blank = at;
+        } else if (*at == '"') {
+            at = literals::SkipQuoted(at + 1);
+            if (*at == '\0') break;
+        }
+    }
+    if (at < most) line.end = at;
+    return at;
+}
+
+// The parameter text under construction, with its length.
+struct Paras {
+    AT_RES_LINE_T& res_line;
+    size_t used;
+
+    explicit Paras(AT_RES_LINE_T& target) : res_line(target), used(strlen(target.strResParas)) {}
+
+    bool Empty() const { return used == 0; }
+    void Append(const char* text, size_t length) {
+        const size_t room = sizeof res_line.strResParas - 1 - used;
+        if (length > room) length = room;
+        memcpy(res_line.strResParas + used, text, length);
+        used += length;
+        res_line.strResParas[used] = '\0';
+    }
+    // The line from `from` on.
+    void Append(const Line& line, const char* from) { Append(from, line.LengthFrom(from)); }
+    void Append(const Line& line) { Append(line, line.text); }
+    void Set(const Line& line, size_t skip) {
+        Clear();
+        Append(line, line.text + skip);
+    }
+    void Clear() {
+        used = 0;
+        res_line.strResParas[0] = '\0';
+    }
 };
-constexpr const char* kGenericVendorLines[] = {
-    "^CONN",  "^CEND",  "+ZCPI", "^HRSSILVL", "^MODE",      "^RSSI",
-    "^SIMST", "^SRVST", "^BOOT", "^STIN",     "^DSFLOWRPT",
-};
-constexpr const char* kWholeResultLines[] = {"RINGBACK", "RINGBACKLOCAL", "NO CARRIER", "VOICE NO CARRIER "};
-
-template <size_t count>
-bool ContainsAny(const char* line, const char* const (&names)[count]) {
-    for (const char* name : names)
-        if (Find_Sub_Str(line, name) != nullptr) return true;
-    return false;
-}
-
-void AppendParas(AT_RES_LINE_T& res_line, const char* text, size_t length) {
-    const size_t used = strlen(res_line.strResParas);
-    const size_t room = sizeof res_line.strResParas - 1 - used;
-    if (length > room) length = room;
-    memcpy(res_line.strResParas + used, text, length);
-    res_line.strResParas[used + length] = '\0';
-}
-
-void AppendParas(AT_RES_LINE_T& res_line, const char* text) {
-    AppendParas(res_line, text, strlen(text));
-}
-
-void SetParas(AT_RES_LINE_T& res_line, const char* text) {
-    res_line.strResParas[0] = '\0';
-    AppendParas(res_line, text);
-}
-
-// What follows the first `skip` characters of a line, or its end where it is shorter.
-const char* Skip(const char* line, size_t skip) {
-    return line + strnlen(line, skip);
-}
-
-// What follows the name and ": " of a line that has one.
-const char* AfterColonBlank(const char* line) {
-    return Find_Sub_Str(line, ": ") + 2;
-}
 
 // A response record for a report that is pushed out of the scan. Cleared before each use; response thread
 // only.
@@ -106,95 +244,128 @@ _BK_AT_RES_T& NewPushed(uint16_t command, int type, uint8_t result) {
     return g_pushed;
 }
 
-bool PushToolkitEvent(AT_RES_LINE_T& res_line, const char* line) {
-    for (const ToolkitEvent& event : kToolkitEvents) {
-        if (Find_Sub_Str(line, event.name) == nullptr) continue;
-        SetParas(res_line, Skip(line, event.skip));
-        _BK_AT_RES_T& res = NewPushed(event.command, kReportType, AT_RESULT_OK);
-        Parse_Text_Res(&res, &res_line);
-        send_auto_report(AT_MODULE_TOOLKIT, event.command, kReportType, &res);
-        res_line.strResParas[0] = '\0';
+bool PushToolkitEvent(Paras& paras, const Line& line) {
+    if (!line.Has(kToolkit)) return false;
+    const ToolkitEvent* event = kToolkitEvents;
+    while (!line.Has(Set(event->name)))
+        ++event;
+    paras.Set(line, event->skip);
+    _BK_AT_RES_T& res = NewPushed(event->command, kReportType, AT_RESULT_OK);
+    Parse_Text_Res(&res, &paras.res_line);
+    send_auto_report(AT_MODULE_TOOLKIT, event->command, kReportType, &res);
+    paras.Clear();
+    return true;
+}
+
+void PushUssd(Paras& paras, const Line& line) {
+    paras.Set(line, sizeof "+CUSD: " - 1);
+    _BK_AT_RES_T& res = NewPushed(kUssdCommand, kReportType, AT_RESULT_OK);
+    Parse_CUSD_Res(&res, &paras.res_line);
+    send_auto_report(AT_MODULE_USSD, kUssdCommand, kReportType, &res);
+    paras.Set(line, 0);
+}
+
+// True when the whole line is a USSD error; it has then been reported and stands alone in the parameters.
+bool PushUssdError(Paras& paras, const Line& line) {
+    for (const char* error : kUssdErrors) {
+        const size_t length = strlen(error);
+        if (line.Length() != length || memcmp(line.text, error, length) != 0) continue;
+        _BK_AT_RES_T& res = NewPushed(kUssdCommand, kUssdErrorType, AT_RESULT_CME_ERROR);
+        res.usParaLen = static_cast<uint16_t>(length);
+        memcpy(res.aucParas, error, length + 1);
+        send_auto_report_ussd_error(AT_MODULE_USSD, kUssdCommand, kUssdErrorType, &res);
+        paras.Set(line, 0);
         return true;
     }
     return false;
 }
 
-void PushUssd(AT_RES_LINE_T& res_line, const char* line) {
-    SetParas(res_line, Skip(line, sizeof "+CUSD: " - 1));
-    _BK_AT_RES_T& res = NewPushed(kUssdCommand, kReportType, AT_RESULT_OK);
-    Parse_CUSD_Res(&res, &res_line);
-    send_auto_report(AT_MODULE_USSD, kUssdCommand, kReportType, &res);
-    SetParas(res_line, line);
-}
-
 // "CMS ERROR" and "CME ERROR" lines: the class, and the text behind ": ".
-bool TakeErrorLine(AT_RES_LINE_T& res_line, const char* line, uint8_t cme_result) {
-    if (Find_Sub_Str(line, "CMS ERROR") != nullptr)
-        res_line.Result = AT_RESULT_CMS_ERROR;
-    else if (Find_Sub_Str(line, "CME ERROR") != nullptr)
-        res_line.Result = cme_result;
-    else
-        return false;
-    AppendParas(res_line, AfterColonBlank(line));
+bool TakeErrorLine(Paras& paras, const Line& line, uint8_t cme_result) {
+    if (!line.Has(Set(kCmsError, kCmeError))) return false;
+    paras.res_line.Result = line.Has(Set(kCmsError)) ? uint8_t{AT_RESULT_CMS_ERROR} : cme_result;
+    paras.Append(line, line.colon_blank + 2);
     return true;
 }
 
 // The band that the modem reports for a lock, kept for the user interface while `bandmode` says that the lock
 // is in use.
-bool TakeBandLine(AT_RES_LINE_T& res_line, const char* line, const char* name, const char* band_mode,
-                  const char* key) {
-    if (Find_Sub_Str(line, name) == nullptr || !ConfigIs("bandmode", band_mode)) return false;
-    AppendParas(res_line, line);
-    const char* from = Find_Sub_Str(line, ":") + 1;
+bool TakeBandLine(Paras& paras, const Line& line, Name name, const char* band_mode, const char* key) {
+    if (!line.Has(Set(name)) || !ConfigIs("bandmode", band_mode)) return false;
+    paras.Append(line);
+    const char* from = line.colon + 1;
     char band[4];
-    const size_t length = strnlen(from, sizeof band - 1);
+    size_t length = line.LengthFrom(from);
+    if (length > sizeof band - 1) length = sizeof band - 1;
     memcpy(band, from, length);
     band[length] = '\0';
     cfg_set(key, band);
     return true;
 }
 
-// A line "name: parameters" whose parameters start at `paras`. The first one names the response; more of that
+// A line "name: parameters" whose parameters start at `from`. The first one names the response; more of that
 // name are joined with ";". -1, with nothing done, for another name.
-int TakeNamedLine(AT_RES_LINE_T& res_line, const char* line, const char* colon, const char* paras) {
-    size_t length = static_cast<size_t>(colon - line);
+int TakeNamedLine(Paras& paras, const Line& line, const char* colon, const char* from) {
+    AT_RES_LINE_T& res_line = paras.res_line;
+    auto length = static_cast<size_t>(colon - line.text);
     if (length > sizeof res_line.strCmdName - 1) length = sizeof res_line.strCmdName - 1;
     if (res_line.strCmdName[0] == '\0') {
-        memcpy(res_line.strCmdName, line, length);
+        memcpy(res_line.strCmdName, line.text, length);
         res_line.strCmdName[length] = '\0';
-    } else if (strlen(res_line.strCmdName) == length && memcmp(res_line.strCmdName, line, length) == 0) {
-        AppendParas(res_line, ";", 1);
+    } else if (strncmp(res_line.strCmdName, line.text, length) == 0 && res_line.strCmdName[length] == '\0') {
+        paras.Append(";", 1);
     } else {
         return -1;
     }
-    AppendParas(res_line, paras);
+    paras.Append(line, from);
     return 0;
 }
 
-// A line with ":" of a data card that is not the module's own. -1 ends the scan.
-int TakeGenericNamedLine(AT_RES_LINE_T& res_line, const char* line, const char* colon) {
-    if (colon[1] != ' ') {
-        if (Find_Sub_Str(line, "XW_T352") != nullptr) {
-            AppendParas(res_line, line);
-            return 0;
-        }
-        if (ContainsAny(line, kGenericVendorLines)) {
-            AppendParas(res_line, line);
-            AT_LOG(LOG_DEBUG, "==test4== paras is %s", res_line.strResParas);
-            return 0;
-        }
-        return TakeNamedLine(res_line, line, colon, colon + 1);
-    }
-    if (TakeErrorLine(res_line, line, AT_RESULT_CME_ERROR)) return 0;
-    bool whole =
-        Find_Sub_Str(line, "VOICE NO CARRIER ") != nullptr || Find_Sub_Str(line, "HANGUP") != nullptr;
-    for (const ToolkitEvent& event : kToolkitEvents)
-        whole = whole || Find_Sub_Str(line, event.name) != nullptr;
-    if (whole || ContainsAny(line, kGenericWholeLines)) {
-        AppendParas(res_line, line);
+// A line with ": " of the module's own data cards. -1 when it was dropped.
+int TakeModuleNamedLine(Paras& paras, const Line& line) {
+    // A USSD error is also an error of the command: its text stands in the answer a second time.
+    if (line.Has(Set(kCmeError))) PushUssdError(paras, line);
+    const bool after_ussd = g_last_atcmd == kUssdCommand;
+    if (TakeErrorLine(paras, line, after_ussd ? AT_RESULT_USSD_ERROR : AT_RESULT_CME_ERROR)) return 0;
+    if (line.Has(kCallsAndHangUps)) {
+        paras.Append(line);
         return 0;
     }
-    return TakeNamedLine(res_line, line, colon, colon + 2);
+    if (PushToolkitEvent(paras, line)) return 0;
+    if (line.Has(kModuleWhole)) {
+        paras.Append(line);
+        return 0;
+    }
+    if (line.Has(Set(kCusd))) {
+        PushUssd(paras, line);
+        return 0;
+    }
+    // The two keys differ in case; the readers of both exist.
+    if (TakeBandLine(paras, line, kZlockband, "2", "LTE_band")) return 0;
+    if (TakeBandLine(paras, line, kZlockf, "4", "LTE_Band")) return 0;
+    return TakeNamedLine(paras, line, line.colon_blank, line.colon_blank + 2);
+}
+
+// A line with ":" of a data card that is not the module's own. -1 ends the scan.
+int TakeGenericNamedLine(Paras& paras, const Line& line) {
+    if (line.colon != line.colon_blank) {
+        if (line.Has(Set(kXwT352))) {
+            paras.Append(line);
+            return 0;
+        }
+        if (line.Has(kGenericVendor)) {
+            paras.Append(line);
+            AT_LOG(LOG_DEBUG, "==test4== paras is %s", paras.res_line.strResParas);
+            return 0;
+        }
+        return TakeNamedLine(paras, line, line.colon, line.colon + 1);
+    }
+    if (TakeErrorLine(paras, line, AT_RESULT_CME_ERROR)) return 0;
+    if (line.Has(kGenericWhole)) {
+        paras.Append(line);
+        return 0;
+    }
+    return TakeNamedLine(paras, line, line.colon, line.colon + 2);
 }
 
 // Whether a named line is still to come. Every line begins outside quotes, so what was found from one line
@@ -213,106 +384,76 @@ class NamedLineAhead {
 };
 
 // A line without ": ".
-void TakeResultLine(AT_RES_LINE_T& res_line, const char* line, const char* rest, NamedLineAhead& named) {
-    if (Find_Sub_Str(line, "OK") != nullptr) {
+void TakeResultLine(Paras& paras, const Line& line, const char* rest, NamedLineAhead& named) {
+    AT_RES_LINE_T& res_line = paras.res_line;
+    if (line.Has(Set(kOk))) {
         res_line.Result = AT_RESULT_OK;
-        if (res_line.strResParas[0] == '\0') AppendParas(res_line, "OK");
-    } else if (Find_Sub_Str(line, "ERROR") != nullptr) {
+        if (paras.Empty()) paras.Append("OK", 2);
+    } else if (line.Has(Set(kError))) {
         res_line.Result = AT_RESULT_ERROR;
-    } else if (ContainsAny(line, kWholeResultLines)) {
-        AppendParas(res_line, line);
-    } else if (Find_Sub_Str(line, "BUSY") != nullptr) {
+    } else if (line.Has(kWholeResults)) {
+        paras.Append(line);
+    } else if (line.Has(Set(kBusy))) {
         res_line.Result = AT_RESULT_BUSY;
-    } else if (Find_Sub_Str(line, "not support") != nullptr) {
+    } else if (line.Has(Set(kNotSupport))) {
         res_line.Result = AT_RESULT_ERROR;
-    } else if (Find_Sub_Str(line, "+ZEND") != nullptr || Find_Sub_Str(line, "+ZSIMREFRESH") != nullptr) {
-        AppendParas(res_line, line);
+    } else if (line.Has(Set(kZend, kZsimrefresh))) {
+        paras.Append(line);
     } else if (res_line.strCmdName[0] != '\0') {
-        AppendParas(res_line, ",\"", 2);
-        AppendParas(res_line, line);
-        AppendParas(res_line, "\"", 1);
+        paras.Append(",\"", 2);
+        paras.Append(line);
+        paras.Append("\"", 1);
     } else if (!named.From(rest)) {
-        AppendParas(res_line, line);
+        paras.Append(line);
     }
 }
 
-// Calls scan(line, rest) for each non-empty line of a framed response, with a copy of the line (cut at 1023
-// characters) and the text from the line on, until it returns false. What follows the last line break is not
-// a line.
+// Calls scan(line, rest) for each non-empty line of a framed response, with the text from the line on, until
+// it returns false. What follows the last line break is not a line.
 template <typename Scan>
 void ForEachLine(const char* text, Scan scan) {
-    char line[kParaLineSize];
-    for (const char* line_break; (line_break = Find_Sub_Str(text, "\r\n")) != nullptr;
-         text = line_break + 2) {
-        auto length = static_cast<size_t>(line_break - text);
-        if (length == 0) continue;
-        if (length > sizeof line - 1) length = sizeof line - 1;
-        memcpy(line, text, length);
-        line[length] = '\0';
-        if (!scan(line, text)) return;
-    }
+    Line line;
+    for (const char* at; *(at = Read(text, true, line)) != '\0'; text = at + 2)
+        if (line.Length() != 0 && !scan(line, text)) return;
 }
 
 }  // namespace
 
 bool Bk_Check_Ussd_Error(AT_RES_LINE_T* pResLine, const char* line) {
     if (pResLine == nullptr || line == nullptr) return false;
-    for (const char* error : kUssdErrors) {
-        if (strcmp(line, error) != 0) continue;
-        _BK_AT_RES_T& res = NewPushed(kUssdCommand, kUssdErrorType, AT_RESULT_CME_ERROR);
-        const size_t length = strlen(line);
-        res.usParaLen = static_cast<uint16_t>(length);
-        memcpy(res.aucParas, line, length + 1);
-        send_auto_report_ussd_error(AT_MODULE_USSD, kUssdCommand, kUssdErrorType, &res);
-        SetParas(*pResLine, line);
-        return true;
-    }
-    return false;
+    Paras paras(*pResLine);
+    Line whole;
+    Read(line, false, whole);
+    return PushUssdError(paras, whole);
 }
 
 int Bk_PreParse_At_Res_Message(AT_RES_LINE_T* pResLine, const char* line) {
     if (pResLine == nullptr || line == nullptr) return -1;
-    const char* colon = Find_Sub_Str(line, ": ");
-    if (colon == nullptr) return -1;
-
-    // A USSD error is also an error of the command: its text stands in the answer a second time.
-    Bk_Check_Ussd_Error(pResLine, line);
-    const bool after_ussd = g_last_atcmd == kUssdCommand;
-    if (TakeErrorLine(*pResLine, line, after_ussd ? AT_RESULT_USSD_ERROR : AT_RESULT_CME_ERROR)) return 0;
-    if (Find_Sub_Str(line, "VOICE NO CARRIER ") != nullptr || Find_Sub_Str(line, "HANGUP") != nullptr) {
-        AppendParas(*pResLine, line);
-        return 0;
-    }
-    if (PushToolkitEvent(*pResLine, line)) return 0;
-    if (ContainsAny(line, kModuleWholeLines)) {
-        AppendParas(*pResLine, line);
-        return 0;
-    }
-    if (Find_Sub_Str(line, "+CUSD") != nullptr) {
-        PushUssd(*pResLine, line);
-        return 0;
-    }
-    // The two keys differ in case; the readers of both exist.
-    if (TakeBandLine(*pResLine, line, "+ZLOCKBAND", "2", "LTE_band")) return 0;
-    if (TakeBandLine(*pResLine, line, "+ZLOCKF", "4", "LTE_Band")) return 0;
-    return TakeNamedLine(*pResLine, line, colon, colon + 2);
+    Paras paras(*pResLine);
+    Line whole;
+    Read(line, false, whole);
+    return whole.colon_blank != nullptr ? TakeModuleNamedLine(paras, whole) : -1;
 }
 
 int Bk_PreParse_Result_Line(AT_RES_LINE_T* pResLine, const char* line, const char* rest) {
     if (pResLine == nullptr || line == nullptr || rest == nullptr) return -1;
+    Paras paras(*pResLine);
+    Line whole;
+    Read(line, false, whole);
     NamedLineAhead named;
-    TakeResultLine(*pResLine, line, rest, named);
+    TakeResultLine(paras, whole, rest, named);
     return 0;
 }
 
 int Bk_PreParse_At_Res_Lines(AT_RES_LINE_T* pResLine, const char* pText) {
     if (pResLine == nullptr || pText == nullptr) return -1;
+    Paras paras(*pResLine);
     NamedLineAhead named;
-    ForEachLine(pText, [pResLine, &named](const char* line, const char* rest) {
-        if (Find_Sub_Str(line, ": ") != nullptr)
-            Bk_PreParse_At_Res_Message(pResLine, line);
+    ForEachLine(pText, [&paras, &named](const Line& line, const char* rest) {
+        if (line.colon_blank != nullptr)
+            TakeModuleNamedLine(paras, line);
         else
-            TakeResultLine(*pResLine, line, rest, named);
+            TakeResultLine(paras, line, rest, named);
         return true;
     });
     return 0;
@@ -322,13 +463,13 @@ int Bk_PreParse_At_Res_Generic(AT_RES_LINE_T* pResLine, const char* pText) {
     if (pResLine == nullptr || pText == nullptr) return -1;
     AT_LOG(LOG_DEBUG, "the framed response is %s", pText);
     int result = 0;
+    Paras paras(*pResLine);
     NamedLineAhead named;
-    ForEachLine(pText, [pResLine, &named, &result](const char* line, const char* rest) {
-        const char* colon = Find_Sub_Str(line, ":");
-        if (colon != nullptr)
-            result = TakeGenericNamedLine(*pResLine, line, colon);
+    ForEachLine(pText, [&paras, &named, &result](const Line& line, const char* rest) {
+        if (line.colon != nullptr)
+            result = TakeGenericNamedLine(paras, line);
         else
-            TakeResultLine(*pResLine, line, rest, named);
+            TakeResultLine(paras, line, rest, named);
         return result == 0;
     });
     return result;
