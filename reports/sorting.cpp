@@ -22,8 +22,9 @@ bool BeginsWith(const ModemLine& line, const char* text) {
 
 // A line of name N begins with N and ":", so that "+ZMACR: 1" is not a line of "+ZMAC".
 bool HasName(const ModemLine& line, const char* name) {
+    if (line.colon == nullptr) return false;
     const size_t length = strlen(name);
-    return strncmp(line.begin, name, length) == 0 && line.begin[length] == ':';
+    return line.colon == line.begin + length && memcmp(line.begin, name, length) == 0;
 }
 
 template <size_t count>
