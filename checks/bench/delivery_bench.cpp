@@ -12,16 +12,6 @@
 
 // The whole step from modem text to messages, and report routing alone.
 
-void Pend(uint16_t id, uint8_t type) {
-    ClearPendingRequest();
-    g_at_msg.lMsgType = 7;
-    g_at_msg.usTargetModuleID = AT_MODULE_SERVER;
-    g_at_msg.usSourceModuleID = 0x2345;
-    PendingRequest()->usCmdID = id;
-    PendingRequest()->ucCmdType = type;
-    g_at_msg.ulMagic = AT_MESSAGE_MAGIC;
-}
-
 namespace {
 
 void Deliver(benchmark::State& state, const std::string& text, size_t size, uint16_t id, uint8_t type) {

@@ -7,23 +7,12 @@
 #include <syslog.h>
 
 #include "commands/list_file.h"
-#include "platform/platform.h"
 
-// What the measured paths call beyond themselves, at next to no cost: the log, the store, the queues and the
-// list files. The linker takes these before the C library's and the daemon's own.
+// What the measured paths call beyond themselves, at next to no cost: the log, the queues and the list
+// files. The linker takes these before the C library's and the daemon's own.
 
 extern "C" void syslog(int, const char*, ...) {}
 extern "C" __attribute__((format(printf, 3, 4))) void __syslog_chk(int, int, const char*, ...) {}
-
-extern "C" const char* cfg_get(const char* key) {
-    return strcmp(key, "data_card_mode") == 0 ? "KVX_LTE" : nullptr;
-}
-extern "C" int cfg_set(const char*, const char*) {
-    return 0;
-}
-extern "C" int CreateSoftTimer(int, int, unsigned, int (*)(void*), void*) {
-    return 0;
-}
 
 extern "C" int msgget(key_t, int) noexcept {
     return 1;
