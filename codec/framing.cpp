@@ -364,7 +364,9 @@ ModemLine ReadLine(const char* begin, LineScan& scan) {
 }
 
 bool IsHexLine(const ModemLine& line, LineScan& scan) {
-    const size_t length = line.Length();
+    size_t length = line.Length();
+    // The line break may have come by half.
+    if (!line.complete && length != 0 && line.text_end[-1] == '\r') --length;
     while (scan.hex_digits < length) {
         const char digit = line.begin[scan.hex_digits];
         const bool decimal = digit >= '0' && digit <= '9';

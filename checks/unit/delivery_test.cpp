@@ -378,6 +378,16 @@ TEST_F(Delivery, StatusReportWaitsForItsPdu) {
     EXPECT_EQ(memcmp(Queues().sent.at(0).Response().aucParas + 4, "0011223344556677", 17), 0);
 }
 
+TEST_F(Delivery, PduOfABroadcastNeverBecomesPartOfABareAnswer) {
+    // Not even when a read ends between the two halves of the line break behind it.
+    const Sent page = {AT_MODULE_SMS, 0x0115, 1, 1, 512, Registration(8).text};
+    const Sent imei = Answer(0x0603, AT_CMD_TYPE_EXEC, 1, 32, "356938035643809");
+    ExpectEverySplit(0x0603, AT_CMD_TYPE_EXEC,
+                     "\r\n+CBM: 8\r\n0011223344556677\r\n\r\n356938035643809\r\n\r\nOK\r\n", {page, imei});
+    ExpectEverySplit(0x0603, AT_CMD_TYPE_EXEC,
+                     "\r\n356938035643809\r\n\r\n+CBM: 8\r\n0011223344556677\r\n\r\nOK\r\n", {page, imei});
+}
+
 TEST_F(Delivery, BroadcastWithoutItsBlankSendsNothing) {
     Feed("\r\n+CBM:8\r\n0011\r\n");
     EXPECT_TRUE(Messages().empty());
