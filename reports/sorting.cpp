@@ -227,7 +227,7 @@ class Sorter {
             if (behind_other) return Framed(line.begin);
             judged_.named_seen = true;
             if (own_ != nullptr) judged_.other = Offset(line.begin);
-        } else if (pending_.id != 0 && !judged_.named_seen) {
+        } else if (pending_.id != 0 && !pending_.literal && !judged_.named_seen) {
             judged_.begun_by_text = true;
         }
         return {};

@@ -327,6 +327,15 @@ TEST_F(Delivery, FurtherForwardingLinesGoToTheCallModule) {
     EXPECT_EQ(Messages()[2].id, 0x052B);
 }
 
+TEST_F(Delivery, NamelessLineBeforeAForwardingAnswerChangesNothing) {
+    Pend(0x052B, AT_CMD_TYPE_SET);
+    Feed("\r\nnoise\r\n+CCFC: 0,1\r\n+CCFC: 1,2\r\n\r\nOK\r\n");
+    ASSERT_EQ(Messages().size(), 3U);
+    EXPECT_EQ(Messages()[0].target, kRequester);
+    EXPECT_EQ(Messages()[1].target, AT_MODULE_CALL);
+    EXPECT_EQ(Messages()[1].para_len, 48);
+}
+
 TEST_F(Delivery, CallerIdReadSendsAReportAndAnswersZeros) {
     Pend(0x0513, AT_CMD_TYPE_READ);
     Feed("\r\n+CLIP: 0,1\r\n\r\nOK\r\n");
