@@ -51,10 +51,10 @@ struct Known {
 };
 Known g_known;
 
-// Where the echo of the next line may stand: at the start of the buffered text, when what preceded it has
-// been handled, or behind the line break that was left there in front of a report.
+// Where the echo of the next line may stand: at the start of the buffered text, when nothing precedes it or
+// what did has been handled, or behind the line break that was left there in front of a report.
 enum class EchoPlace { none, start, behind_break };
-EchoPlace g_echo_place;
+EchoPlace g_echo_place = EchoPlace::start;
 
 // Reports whose routing reads the line itself, where the decoder has already put a record.
 bool RoutesByText(uint16_t command) {
@@ -269,6 +269,7 @@ void CarryOver(char* rest) {
     }
     length += shift;
     g_known.buffered.length = length;
+    if (length == 0) g_echo_place = EchoPlace::start;
 
     if (length >= kMaxBuffered) {
         AT_LOG(LOG_ERR, "receive buffer is full, %d characters without a complete response dropped",
@@ -313,7 +314,7 @@ void ForgetReceived() {
     gStrResAtBuffer[0] = '\0';
     g_known = {};
     g_continuation = {};
-    g_echo_place = EchoPlace::none;
+    g_echo_place = EchoPlace::start;
 }
 
 bool DropUnfinishedQuote() {

@@ -381,6 +381,12 @@ TEST_F(Delivery, BroadcastWaitsForItsPdu) {
     EXPECT_EQ(memcmp(Queues().sent.at(0).Response().aucParas + 4, "0011223344556677", 17), 0);
 }
 
+TEST_F(Delivery, BroadcastReadInPiecesLeavesNothingInTheBareAnswerBehindIt) {
+    ExpectEverySplit(0x0603, AT_CMD_TYPE_EXEC, "\r\n+CBM: 8\r\n0011223344556677\r\n\r\n1234\r\n\r\nOK\r\n",
+                     {{AT_MODULE_SMS, 0x0115, 1, 1, 512, Registration(8).text},
+                      Answer(0x0603, AT_CMD_TYPE_EXEC, 1, 32, "1234")});
+}
+
 TEST_F(Delivery, StatusReportWaitsForItsPdu) {
     std::vector<Sent> expected = {{AT_MODULE_SMS, 0x0119, 1, 1, 512, Registration(8).text}};
     ExpectEverySplit(0, 0, "\r\n+CDS: 8\r\n0011223344556677\r\n", expected);
@@ -458,6 +464,11 @@ TEST_F(Delivery, EchoInTheReadOfTheResponseBeforeIsDropped) {
     // A dial is not waited for, so its OK and the echo of the next line can come in one read.
     ExpectEverySplit(0x0001, AT_CMD_TYPE_EXEC, "\r\nRING\r\nAT\r\r\nOK\r\n",
                      {{AT_MODULE_CALL, 0x0407, 1, 1, 4, "RING"}, Answer(0x0001, 1, 1, 0, "OK")});
+}
+
+TEST_F(Delivery, EchoIsDroppedInWhateverPiecesItComes) {
+    ExpectEverySplit(0x0603, AT_CMD_TYPE_EXEC, "AT+CGSN\r\r\n1234\r\n\r\nOK\r\n",
+                     {Answer(0x0603, AT_CMD_TYPE_EXEC, 1, 32, "1234")});
 }
 
 TEST_F(Delivery, AnswerThatBeginsLikeAnEchoIsNone) {
