@@ -469,6 +469,19 @@ TEST_F(Delivery, EchoInTheReadOfTheResponseBeforeIsDropped) {
 TEST_F(Delivery, EchoIsDroppedInWhateverPiecesItComes) {
     ExpectEverySplit(0x0603, AT_CMD_TYPE_EXEC, "AT+CGSN\r\r\n1234\r\n\r\nOK\r\n",
                      {Answer(0x0603, AT_CMD_TYPE_EXEC, 1, 32, "1234")});
+
+TEST_F(Delivery, EchoCutBehindItsFirstLetterIsDropped) {
+    ExpectEverySplit(0x0001, AT_CMD_TYPE_EXEC, "AT\r\r\nOK\r\n", {Answer(0x0001, 1, 1, 0, "OK")});
+    ExpectEverySplit(0x0603, AT_CMD_TYPE_EXEC, "AT+CGSN\r\r\n356938035643809\r\n\r\nOK\r\n",
+                     {Answer(0x0603, AT_CMD_TYPE_EXEC, 1, 32, "356938035643809")});
+}
+
+TEST_F(Delivery, FirstLetterOfAnEchoThatIsNoneKeepsItsLine) {
+    Feed("\r\nRING\r\nA");
+    EXPECT_STREQ(gStrResAtBuffer, "A");
+    Feed("NSWER\r\n");
+    ASSERT_EQ(Messages().size(), 2U);
+    EXPECT_EQ(Messages()[1].id, 0x040A);
 }
 
 TEST_F(Delivery, AnswerThatBeginsLikeAnEchoIsNone) {
