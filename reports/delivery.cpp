@@ -114,9 +114,15 @@ void CarryReportLine(const char* text, uint16_t command) {
     res.usParaLen = static_cast<uint16_t>(length);
 }
 
-// The request record that the parser is given. A further line of a +CCFC or +CCWA answer comes when nothing
-// is pending any more; it is decoded as what it is, a line of a set answer.
-const _BK_AT_CMD_T* PendingForParser(const char* text) {
+// The request record that the parser is given. What was sorted out answers no request, so that a word in it
+// that looks like a result is not decoded as one. A further line of a +CCFC or +CCWA answer comes when
+// nothing is pending any more; it is decoded as what it is, a line of a set answer.
+const _BK_AT_CMD_T* PendingForParser(const char* text, Cut cut) {
+    if (cut != Cut::framed) {
+        static _BK_AT_CMD_T none;
+        none.ucCmdType = PendingRequest()->ucCmdType;
+        return &none;
+    }
     static constexpr _BK_AT_CMD_T kFurtherLine = {
         .usCmdID = 0, .ucCmdType = AT_CMD_TYPE_SET, .aucReserved = {}, .usParaLen = 0, .aucParas = {}};
     if (PendingRequest()->usCmdID != 0) return PendingRequest();
@@ -157,11 +163,12 @@ void HandleResponse(const char* text, Cut cut, bool in_answer) {
     }
     memset(&g_message, 0, sizeof g_message);
     int is_last = 0;
-    const int parsed = Bk_Parse_At_Res_Message(&g_message, &is_last, text, PendingForParser(text));
-    // What was sorted out is known to be no answer, whatever words it holds.
+    const int parsed = Bk_Parse_At_Res_Message(&g_message, &is_last, text, PendingForParser(text, cut));
+    _BK_AT_RES_T& res = ResponseOf(g_message);
+    // What was sorted out is known to be no answer: an "OK" among its words must not be routed as one either.
+    if (is_last != 0 && cut != Cut::framed) memset(&res, 0, sizeof res);
     if (parsed == -1 || cut != Cut::framed) is_last = 0;
 
-    _BK_AT_RES_T& res = ResponseOf(g_message);
     g_message.ulMagic = AT_MESSAGE_MAGIC;
     g_message.lMsgType = g_at_msg.lMsgType != -1 ? g_at_msg.lMsgType : 1;
     g_message.usMsgCmd = AT_MESSAGE_COMMAND;

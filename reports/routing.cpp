@@ -191,7 +191,7 @@ constexpr Row kRows[] = {
     {.literal = "^CONN", .clears = true, .target = kCall, .id = 0x0541},
     {.literal = "^CEND", .clears = true, .target = kCall, .id = 0x0542},
     {.literal = "+ZCPI", .clears = true, .target = kCall, .id = 0x055E},
-    {.literal = "OK", .action = handle, .run = ReportLateOk},
+    {.literal = "OK", .action = handle, .clears = true, .run = ReportLateOk},
     {.literal = "^HRSSILVL:", .action = decode_raw, .target = kSim, .id = 0x0550, .format = "^HRSSILVL:%2s", .record = &kHdrSignal},
     {.literal = "+ZCONSTAT: ", .action = decode_raw, .target = kData, .id = 0x0625, .format = "+ZCONSTAT: %d", .record = &kConnection, .note = NoteConnection},
     {.literal = "+ZGIPDNS: ", .action = decode, .target = kData, .id = 0x0627, .format = "+ZGIPDNS: %d %d %8s %59s %59s %59s %59s", .record = &kAddresses},
@@ -415,7 +415,6 @@ void ReportLateOk(Report& report) {
         send_auto_report(kCall, kHangUp, 1, report.res);
         g_atd_warting = 0;
     }
-    ClearPendingRequest();
 }
 
 // The text is wanted for one proactive command alone; the others are reported by their number.
