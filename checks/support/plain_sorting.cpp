@@ -83,8 +83,10 @@ bool HasAnyName(const PlainLine& line, const char* const (&names)[count]) {
 }
 
 bool IsHexLine(const PlainLine& line) {
-    if (line.Empty()) return false;
-    for (const char* at = line.begin; at != line.text_end; ++at) {
+    const char* end = line.text_end;
+    if (!line.complete && end != line.begin && end[-1] == '\r') --end;  // half of its line break
+    if (end == line.begin) return false;
+    for (const char* at = line.begin; at != end; ++at) {
         const bool digit = *at >= '0' && *at <= '9';
         const bool letter = (*at >= 'A' && *at <= 'F') || (*at >= 'a' && *at <= 'f');
         if (!digit && !letter) return false;
@@ -205,7 +207,7 @@ Response PlainNextResponse(const char* text, const PendingCommand& pending,
             if (other != nullptr) return {Cut::framed, text, line.begin, false, {}};
             named_seen = true;
             if (own != nullptr) other = line.begin;
-        } else if (pending.id != 0 && !named_seen) {
+        } else if (pending.id != 0 && !pending.literal && !named_seen) {
             begun_by_text = true;
         }
     }
