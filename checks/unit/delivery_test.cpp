@@ -124,6 +124,12 @@ TEST_F(Delivery, AnswerWithEcho) {
     ExpectEverySplit(0x0604, AT_CMD_TYPE_EXEC, "AT+CSQ\r\r\n+CSQ: 20,99\r\n\r\nOK\r\n", {Signal(20)});
 }
 
+TEST_F(Delivery, NameWithoutABlankBehindItsColonDecodesToZerosWithTheModulesOwnCards) {
+    // So does the built-in answer of the test responder.
+    ExpectEverySplit(0x0604, AT_CMD_TYPE_EXEC, "\r\n+CSQ:20,60\r\n\r\nOK\r\n", {Signal(0)});
+    ExpectEverySplit(0x0604, AT_CMD_TYPE_EXEC, "\r\n+CSQ:20,60\r\n\r\nOK\r\n", {Signal(20)}, "other");
+}
+
 TEST_F(Delivery, PlainOk) {
     ExpectEverySplit(0x0001, AT_CMD_TYPE_EXEC, "\r\nOK\r\n", {Answer(0x0001, 1, 1, 0, "OK")});
 }
@@ -383,6 +389,16 @@ TEST_F(Delivery, VoiceMailReadSendsAReportAndAnswersZeros) {
     EXPECT_EQ(Messages()[0].type, 1);
     EXPECT_EQ(Messages()[0].para_len, 4);
     EXPECT_EQ(Messages()[1], Answer(0x0118, AT_CMD_TYPE_READ, 1, 4, ""));
+}
+
+TEST_F(Delivery, NetworkTimeReadSendsAReportAndAnswersZerosWithTheModulesOwnCards) {
+    Sent time = Answer(0x063E, AT_CMD_TYPE_EXEC, 1, 32, Registration(3).text);
+    time.target = AT_MODULE_TIME;
+    const Sent zeros = Answer(0x063E, AT_CMD_TYPE_READ, 1, 32, "");
+    ExpectEverySplit(0x063E, AT_CMD_TYPE_READ, "\r\n+ZNITZ: 3\r\n\r\nOK\r\n", {time, zeros});
+    Sent answer = zeros;
+    answer.text = time.text;
+    ExpectEverySplit(0x063E, AT_CMD_TYPE_READ, "\r\n+ZNITZ: 3\r\n\r\nOK\r\n", {answer}, "other");
 }
 
 TEST_F(Delivery, CallWaitingQuerySendsAReportAndAnswersTheResultAlone) {
