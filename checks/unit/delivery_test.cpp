@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 #include <string.h>
 
+#include "checks/support/fake_modem.h"
 #include "checks/support/fake_platform.h"
 #include "checks/support/fake_queue.h"
 #include "checks/support/log_capture.h"
@@ -495,6 +496,72 @@ TEST_F(Delivery, StormOf500MixedReportsAroundOneAnswerLosesNothing) {
     EXPECT_EQ(messages, 100);
     EXPECT_EQ(packets, 100);
     EXPECT_EQ(answers, 1);
+}
+
+TEST_F(Delivery, SortedOutReportIsNotTheSmsPrompt) {
+    FakeModem modem;
+    Pend(0x0108, AT_CMD_TYPE_SET);
+    memcpy(PendingRequest()->aucParas + 4, "0011", 5);
+    Feed("\r\n+CREG: 1\r\n\r\n^NEWS: 1\r\n");
+    EXPECT_EQ(modem.Heard(), "");
+    Feed("\r\n> ");
+    EXPECT_EQ(modem.Heard(), "0011\x1a");
+    Feed("\r\n^RSSI:12\r\n");
+    EXPECT_EQ(modem.Heard(), "0011\x1a") << "a framed report writes the message again";
+}
+
+// ------------------------------------------------------------------- the polling step
+
+TEST_F(Delivery, StepWithoutDataChangesNothing) {
+    FakeModem modem;
+    Platform().config["WatchDog_Setting_Option"] = "on";
+    AtStatistics.read = 0;
+    EXPECT_EQ(on_recieve_at(), 1U);
+    EXPECT_EQ(AtStatistics.read, 0U);
+    EXPECT_TRUE(LoggedLines().empty());
+}
+
+TEST_F(Delivery, StepWithDataIsLoggedAndHandled) {
+    FakeModem modem;
+    Pend(0x0604, AT_CMD_TYPE_EXEC);
+    modem.Say("\r\n+CSQ: 20,99\r\n\r\nOK\r\n");
+    EXPECT_EQ(on_recieve_at(), 0U);
+    EXPECT_EQ(Messages(), (std::vector<Sent>{Signal(20)}));
+    EXPECT_TRUE(Logged("Receive AT response ok,RecvLen(chars) =  21.", "response"));
+    EXPECT_TRUE(
+        Logged("\n------------------------------------\n\r\n+CSQ: 20,99\r\n\r\nOK\r\n"
+               "-------------------RecvLen:21-----",
+               "response"));
+    EXPECT_TRUE(Logged("acComReceive=\r\n+CSQ: 20,99\r\n\r\nOK\r\n", "response"));
+    EXPECT_TRUE(Logged("pAtRes=\r\n+CSQ: 20,99\r\n\r\nOK\r\n", "response"));
+    EXPECT_TRUE(Logged("\t#nIsLast:1\n", "response", 7));
+    EXPECT_TRUE(Logged("\t#AtResResult:1\n", "response", 7));
+    EXPECT_TRUE(Logged("\t#AtResParaLen:8\n", "response", 7));
+    EXPECT_TRUE(Logged("send AT Response to module 0x2345 OK!", "response", 5));
+}
+
+TEST_F(Delivery, ReadsAreCountedForTheWatchdogOnlyWhileItIsOn) {
+    FakeModem modem;
+    AtStatistics.read = 0;
+    for (const char* option : {"off", "", "On", "on "}) {
+        Platform().config["WatchDog_Setting_Option"] = option;
+        modem.Say("\r\nRING\r\n");
+        EXPECT_EQ(on_recieve_at(), 0U);
+        EXPECT_EQ(AtStatistics.read, 0U) << option;
+    }
+    Platform().config["WatchDog_Setting_Option"] = "on";
+    modem.Say("\r\nRING\r\n");
+    EXPECT_EQ(on_recieve_at(), 0U);
+    EXPECT_EQ(AtStatistics.read, 1U);
+    AtStatistics.read = 0;
+}
+
+TEST_F(Delivery, ReportsAreCountedAndAnnounced) {
+    const uint32_t before = g_at_statistics.report;
+    Feed("\r\nRING\r\n\r\n+CREG: 1\r\n");
+    EXPECT_EQ(g_at_statistics.report, before + 2);
+    EXPECT_TRUE(Logged("It's  a auto reporting  message!", "response"));
+    EXPECT_TRUE(Logged("\t#nIsLast:0\n", "response", 7));
 }
 
 // ------------------------------------------------------------------- what stays in the buffer
