@@ -97,6 +97,10 @@ void Modem::Run() {
         if (poll(&wait, 1, 1) <= 0) continue;
         char buffer[4096];
         const ssize_t got = read(master_, buffer, sizeof buffer);
+        if (got > 0) {
+            std::lock_guard<std::mutex> hold(lock_);
+            bytes_.append(buffer, static_cast<size_t>(got));
+        }
         for (ssize_t i = 0; i < got; ++i) {
             if (buffer[i] != '\r' && buffer[i] != '\x1a') {
                 line += buffer[i];
@@ -115,6 +119,7 @@ void Modem::Run() {
 }
 
 void Modem::Say(const std::string& text) {
+    std::lock_guard<std::mutex> hold(saying_);
     size_t sent = 0;
     while (sent < text.size() && !stop_) {
         const ssize_t count = write(master_, text.data() + sent, text.size() - sent);
@@ -133,9 +138,15 @@ std::vector<std::string> Modem::Lines() const {
     return lines_;
 }
 
+std::string Modem::Bytes() const {
+    std::lock_guard<std::mutex> hold(lock_);
+    return bytes_;
+}
+
 void Modem::ForgetLines() {
     std::lock_guard<std::mutex> hold(lock_);
     lines_.clear();
+    bytes_.clear();
 }
 
 bool Modem::WaitForLine(const std::string& line, double seconds) const {
@@ -302,6 +313,11 @@ std::string Text(const std::string& text, size_t size) {
 }
 
 Daemon::Daemon() {
+    Start();
+}
+
+void Daemon::Start() {
+    status_ = -1;
     const char* program = getenv("AT_SERVER");
     if (program == nullptr) throw std::runtime_error("AT_SERVER names no daemon");
     pid_ = fork();
@@ -314,11 +330,14 @@ Daemon::Daemon() {
     setpgid(pid_, pid_);
 }
 
+void Daemon::Kill() {
+    if (!Running()) return;
+    kill(-pid_, SIGKILL);
+    WaitForExit(10);
+}
+
 Daemon::~Daemon() {
-    if (Running()) {
-        kill(-pid_, SIGKILL);
-        waitpid(pid_, nullptr, 0);
-    }
+    Kill();
     const int queue = ServerQueue();
     if (queue >= 0) msgctl(queue, IPC_RMID, nullptr);
 }

@@ -31,9 +31,11 @@ class Modem {
     Modem(const Modem&) = delete;
     Modem& operator=(const Modem&) = delete;
 
+    // Writes whole texts: what two threads say does not mix.
     void Say(const std::string& text);
     void SetAnswer(Answer answer);
     std::vector<std::string> Lines() const;  // everything received, CR or 0x1A cut off
+    std::string Bytes() const;               // everything received, as it came
     void ForgetLines();
     bool WaitForLine(const std::string& line, double seconds = 5) const;
     void Unplug();  // the pty is closed, the link goes
@@ -42,8 +44,10 @@ class Modem {
     void Run();
 
     mutable std::mutex lock_;
+    std::mutex saying_;
     Answer answer_;
     std::vector<std::string> lines_;
+    std::string bytes_;
     int master_ = -1;
     int slave_ = -1;
     std::atomic<bool> stop_{false};
@@ -138,6 +142,8 @@ class Daemon {
     pid_t Pid() const { return pid_; }
     bool Running();
     int WaitForExit(double seconds);  // exit status, -1 while it runs
+    void Kill();                      // with SIGKILL; its queue stays
+    void Start();                     // again, after its end
 
   private:
     pid_t pid_ = -1;
