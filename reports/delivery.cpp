@@ -56,6 +56,9 @@ Known g_known;
 enum class EchoPlace { none, start, behind_break };
 EchoPlace g_echo_place = EchoPlace::start;
 
+// Whether the last response took the line break behind it along, so that what follows begins a line.
+bool g_at_line_start;
+
 // Reports whose routing reads the line itself, where the decoder has already put a record.
 bool RoutesByText(uint16_t command) {
     switch (command) {
@@ -234,6 +237,7 @@ char* HandleResponses(char* text) {
         g_continuation = response.continuation;
         char* const begin = text + (response.begin - text);
         char* const end = text + (response.end - text);
+        g_at_line_start = end[-1] == '\n';
 
         if (response.cut != Cut::leftover) {
             // Both look past the response: a broadcast is reported with each response framed up to it.
@@ -254,6 +258,17 @@ char* HandleResponses(char* text) {
             text = TakeOut(text, begin, end);
         }
     }
+}
+
+// A line that begins a read, where the last one ended with the line break of a handled response, would be
+// dropped by pre-processing with everything else in front of the first line break. It gets one; an echo is
+// to be dropped. For an empty buffer.
+void OpenLine(const char* text) {
+    if (!g_at_line_start) return;
+    if (text[0] == '\0' || text[0] == '\r' || strncmp(text, "AT", 2) == 0 || strcmp(text, "A") == 0) return;
+    memcpy(gStrResAtBuffer, "\r\n", 3);
+    g_known.buffered.length = 2;
+    if (g_continuation.at != nullptr) g_continuation.at = gStrResAtBuffer + 2;
 }
 
 // The unfinished rest becomes the buffer's content.
@@ -292,7 +307,10 @@ void ProcessReceived(char* received) {
     char* text = AtResponseText(received, g_responder_text) == received ? received : g_responder_text;
     AT_LOG(LOG_DEBUG, "pAtRes=%s", text);
 
-    if (gStrResAtBuffer[0] == '\0') g_known = {};
+    if (gStrResAtBuffer[0] == '\0') {
+        g_known = {};
+        OpenLine(text);
+    }
     if (AppendReceived(gStrResAtBuffer, text, g_known.buffered) != 0) {
         g_continuation = {};
         g_known = {.buffered = g_known.buffered, .sorting = {}, .broadcast = {}, .status_report = {}};
@@ -322,6 +340,7 @@ void ForgetReceived() {
     g_known = {};
     g_continuation = {};
     g_echo_place = EchoPlace::start;
+    g_at_line_start = false;
 }
 
 bool DropUnfinishedQuote() {

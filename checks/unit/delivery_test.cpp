@@ -611,6 +611,31 @@ TEST_F(Delivery, RestThatBeginsInTheMiddleOfALineKeepsIt) {
     EXPECT_EQ(Messages(), (std::vector<Sent>{Signal(20), Registration(1)}));
 }
 
+TEST_F(Delivery, LinesWithoutAnEmptyOneBetweenThemMayArriveOneByOne) {
+    const std::vector<Sent> expected = {{AT_MODULE_SMS, 0x0110, 1, 1, 16, "SM"},
+                                        {AT_MODULE_CALL, 0x0408, 1, 1, 9, "HANGUP: 1"},
+                                        Registration(5),
+                                        {AT_MODULE_CALL, 0x0407, 1, 1, 4, "RING"}};
+    const std::string stream = "\r\n+CMTI: \"SM\",8\r\nHANGUP: 1\r\n+CREG: 5\r\nRING\r\n";
+    ExpectEverySplit(0, 0, stream, expected);
+    Start("KVX_LTE");
+    for (const char* line : {"\r\n+CMTI: \"SM\",8\r\n", "HANGUP: 1\r\n", "+CREG: 5\r\n", "RING\r\n"})
+        Feed(line);
+    EXPECT_EQ(Messages(), expected);
+}
+
+TEST_F(Delivery, EchoThatBeginsAReadIsDroppedBehindALineToo) {
+    Feed("\r\nRING\r\n");
+    Pend(0x0604, AT_CMD_TYPE_EXEC);
+    Feed("AT+CSQ\r\r\n+CSQ: 20,99\r\n\r\nOK\r\n");
+    EXPECT_EQ(Messages(), (std::vector<Sent>{{AT_MODULE_CALL, 0x0407, 1, 1, 4, "RING"}, Signal(20)}));
+}
+
+TEST_F(Delivery, NoiseInFrontOfTheFirstLineBreakIsDroppedAtTheStart) {
+    Feed("RING\r\nRING\r\n");
+    EXPECT_EQ(Messages(), (std::vector<Sent>{{AT_MODULE_CALL, 0x0407, 1, 1, 4, "RING"}}));
+}
+
 TEST_F(Delivery, FullBufferWithoutAResponseIsClearedAndLogged) {
     Feed("\r\n" + std::string(102'396, 'x'));
     EXPECT_EQ(strlen(gStrResAtBuffer), 102'398U);
