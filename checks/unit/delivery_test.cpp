@@ -624,6 +624,58 @@ TEST_F(Delivery, LinesWithoutAnEmptyOneBetweenThemMayArriveOneByOne) {
     EXPECT_EQ(Messages(), expected);
 }
 
+TEST_F(Delivery, MixedLinesInRandomPiecesAreTheSameAsWhole) {
+    const char* const lines[] = {"RING",
+                                 "+CREG: 1,\"1A2B\",\"00C3D4E5\"",
+                                 "+CMTI: \"SM\",8",
+                                 "+CLIP: \"5550123\",129",
+                                 "^NOROW: 5",
+                                 "^HRSSILVL:85",
+                                 "HANGUP: 16",
+                                 "+ZSTI: \"OK\",1",
+                                 "+ZGIPDNS: 1,5,\"IP\",\"10.0.0.2\",\"\",\"8.8.8.8\",\"\"",
+                                 "+CUSD: 1,\"a\r\nOK\r\n\",15",
+                                 "VOICE NO CARRIER: 16",
+                                 "+CGEV: ME DETACH",
+                                 "NO CARRIER",
+                                 "ZREFRESH: \"6F3C\",\"1\"",
+                                 "+ZEND"};
+    uint32_t state = 1;
+    const auto random = [&state](size_t below) {
+        state = state * 1'664'525U + 1'013'904'223U;
+        return static_cast<size_t>(state >> 8U) % below;
+    };
+    for (int round = 0; round < 1000; ++round) {
+        const char* card = round % 2 == 0 ? "KVX_LTE" : "OTHER_CARD";
+        const bool asked = random(3) != 0;
+        std::string stream = "\r\n";
+        const auto say = [&](size_t count) {
+            for (; count != 0; --count)
+                stream += lines[random(std::size(lines))] + std::string(random(2) == 0 ? "\r\n" : "\r\n\r\n");
+        };
+        say(random(4));
+        if (asked) {
+            stream += "+CSQ: 20,99\r\n";
+            say(random(3));
+            stream += "OK\r\n";
+            say(random(4));
+        }
+        const auto run = [&](size_t longest) {
+            Start(card);
+            if (asked) Pend(0x0604, AT_CMD_TYPE_EXEC);
+            for (size_t at = 0; at < stream.size();) {
+                const size_t length = longest == 0 ? stream.size() : 1 + random(longest);
+                Feed(stream.substr(at, length));
+                at += length;
+            }
+            return Messages();
+        };
+        const std::vector<Sent> whole = run(0);
+        ASSERT_EQ(run(3), whole) << stream;
+        ASSERT_EQ(run(40), whole) << stream;
+    }
+}
+
 TEST_F(Delivery, EchoThatBeginsAReadIsDroppedBehindALineToo) {
     Feed("\r\nRING\r\n");
     Pend(0x0604, AT_CMD_TYPE_EXEC);
