@@ -249,6 +249,18 @@ TEST_F(StreamTalks, ReportsCutAnywhereAreTheSame) {
     }
 }
 
+TEST_F(StreamTalks, LinesWithoutAnEmptyOneBetweenThemMayBeCutAnywhere) {
+    const std::string text = "\r\n+CMTI: \"SM\",8\r\n+ZUEND: 1\r\nHANGUP: 16\r\n";
+    for (size_t cut = 1; cut < text.size(); ++cut) {
+        SCOPED_TRACE(text.substr(0, cut) + "|");
+        SayAlone(text.substr(0, cut));
+        Say(text.substr(cut));
+        ASSERT_EQ(Next(sms), Report(sms, 0x0110, 1, Text("SM", 12) + I32({8})));
+        ASSERT_EQ(Next(sim), Report(sim, 0x0632, 6, I32({1})));
+        ASSERT_EQ(Next(call), Report(call, 0x0408, 1, "HANGUP: 16"));
+    }
+}
+
 TEST_F(StreamTalks, AnswerWithAReportInsideIsTheSameWhereverItIsCut) {
     TheModem().SetAnswer(Silence);
     const std::string text = "\r\n+CFUN: 1\r\n\r\n+CMTI: \"SM\",8\r\n\r\nOK\r\n";
