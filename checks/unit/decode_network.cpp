@@ -235,6 +235,25 @@ TEST(Zrssi, OtherTypesDoNothing) {
     EXPECT_TRUE(Platform().writes.empty());
 }
 
+TEST(Cgreg, ReadTextsAreCutAtFifteen) {
+    StartWith(kModule);
+    const std::string text(15, 'A');
+    EXPECT_EQ(Decode(0x0553, READ, "2,1,\"" + text + "\",\"" + text + "\",7,\"" + text + "A\",3").Record(),
+              Bytes().I32(2).I32(1).Text(text, 16).Text(text, 16).I32(7).Text(text, 16).I32(0).data);
+    EXPECT_EQ(Decode(0x0553, READ, "2,1,\"1A\",\"" + text + "B\",7").Record(),
+              Bytes().I32(2).I32(1).Text("1A", 16).Text(text, 16).Zeros(24).data);
+    ExpectServesOnly(0x0553, {READ});
+}
+TEST(Cereg, ReadTextsAreCutAtFifteen) {
+    StartWith(kModule);
+    const std::string text(15, 'A');
+    EXPECT_EQ(Decode(0x0552, READ, "2,1,\"" + text + "\",\"" + text + "\",7,1").Record(),
+              Bytes().I32(2).I32(1).Text(text, 16).Text(text, 16).I32(7).I32(1).data);
+    EXPECT_EQ(Decode(0x0552, READ, "2,1,\"1A\",\"" + text + "B\",7").Record(),
+              Bytes().I32(2).I32(1).Text("1A", 16).Text(text, 16).Zeros(8).data);
+    ExpectServesOnly(0x0552, {READ});
+}
+
 TEST(Pin, CsqOnACommaLeavesTheErrorRateZero) {
     StartWith(kModule);
     EXPECT_EQ(Decode(0x0604, EXEC, "20,99").Record(), Integers({20, 0}));

@@ -143,6 +143,9 @@ DECODE_VECTOR(0x060C, Gsn, FifteenDigitsWithoutANul) {
     ExpectReadsARawWord(0x060C, 15, 15);
     EXPECT_EQ(Decode(0x060C, EXEC, "864213050001234").Record(), "864213050001234");
 }
+TEST(Cgsn, ExecAndReadOnly) {
+    ExpectServesOnly(0x0603, kExecAndRead);
+}
 DECODE_VECTOR(0x0543, Hver, ExecAndReadGiveTheVersion) {
     ExpectReadsANormalisedWord(0x0543, 67, 68);
 }

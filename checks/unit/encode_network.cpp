@@ -21,6 +21,18 @@ TEST(NetworkReports, AreNotSendable) {
             EXPECT_EQ(Encoded(id, type), "(not sendable)");
 }
 
+TEST(Registration, SetPrintsTheWholeRangeOfIntegers) {
+    for (uint16_t id : IdList{0x052D, 0x0553, 0x0552, 0x0544})
+        ExpectPrintsIntegers(id, 1);
+}
+TEST(Cops, SetPrintsTheWholeRangeOfIntegers) {
+    StartWith(kModule);
+    ExpectSetOfThisSizeOnly(0x0517, Bytes().I32(1).I32(2).Text("\"46001\"", 64).I32(7).data);
+    EXPECT_EQ(Encoded(0x0517, SET,
+                      Bytes().I32(INT32_MIN).I32(INT32_MAX).Text(std::string(64, 'o'), 64).I32(-1).data),
+              "-2147483648,2147483647," + std::string(64, 'o') + ",-1");
+}
+
 ENCODE_VECTOR(0x0509, Zsnt, SetPrintsThreeValues) {
     ExpectPrintsIntegers(0x0509, 3);
 }
@@ -64,8 +76,8 @@ ENCODE_VECTOR(0x061F, Sysconfig, SetPrintsFourValues) {
     ExpectPrintsIntegers(0x061F, 4);
 }
 ENCODE_VECTOR(0x054B, Syscfg, SetPrintsTheBandAsGiven) {
-    ExpectPrints(0x054B, Bytes().I32(2).I32(-1).Text("\"3FFF,FF\"", 32).I32(INT32_MIN).I32(INT32_MAX).data,
-                 "2,-1,\"3FFF,FF\",-2147483648,2147483647");
+    ExpectPrints(0x054B, Bytes().I32(-12).I32(-1).Text("\"3FFF,FF\"", 32).I32(INT32_MIN).I32(INT32_MAX).data,
+                 "-12,-1,\"3FFF,FF\",-2147483648,2147483647");
     ExpectPrints(0x054B, Bytes().I32(2).I32(3).Zeros(32).I32(4).I32(5).data, "2,3,,4,5");
     ExpectPrints(0x054B, Bytes().I32(2).I32(3).Text(std::string(32, 'B'), 32).I32(4).I32(5).data,
                  "2,3," + std::string(32, 'B') + ",4,5");
