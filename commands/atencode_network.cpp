@@ -34,8 +34,8 @@ int Make_ZLOCKF_Cmd(AT_CMD_LINE_T* pCmdLine, const _BK_AT_CMD_T* pCmd) {
     return EncodeByRow<kRadioRows, 0x0619>(pCmdLine, &band_alone);
 }
 
-// By hand: it serves every id but its own, so that through the table AT+ZROAM is always sent bare. Modules
-// rely on the bare line.
+// By hand: it serves every id but its own. Through the table AT+ZROAM is thus always sent without parameters,
+// and has to stay so.
 int Make_Zroam_cmd(AT_CMD_LINE_T* pCmdLine, const _BK_AT_CMD_T* pCmd) {
     if (pCmdLine == nullptr || pCmd == nullptr) return 0;
     if (pCmd->usCmdID == kZroamId) {
