@@ -73,7 +73,7 @@ TEST(Rows, EveryRowHasACodec) {
         if (row.encode.kind == EncodeKind::pending) missing += std::string("\n  encoder of ") + row.name;
         if (row.decode.kind == DecodeKind::pending) missing += std::string("\n  decoder of ") + row.name;
     }
-    if (!missing.empty()) GTEST_SKIP() << "not written yet:" << missing;
+    EXPECT_EQ(missing, "") << "not written yet";
 }
 
 // As many vectors as the encoder has forms and the decoder has answers, at least.
