@@ -13,7 +13,7 @@ inline constexpr Record kCgdcontSetPara =
     AT_RECORD(AT_CGDCONT_SET_PARA_T, 356, AT_FIELD(cid, 0, "number of the context"),
               AT_FIELD(PDP_type, 4, "IP, IPV6, IPV4V6 or PPP"), AT_FIELD(APN, 14, "access point name"),
               AT_FIELD(PDP_addr, 115, "address asked for"), AT_FIELD(d_comp, 148, "data compression"),
-              AT_FIELD(h_comp, 152, "header compression"), AT_FIELD(reserved, 156, "not sent"));
+              AT_FIELD(h_comp, 152, "header compression"));
 inline constexpr Record kCgattSetPara =
     AT_RECORD(AT_CGATT_SET_PARA_T, 4, AT_FIELD(state, 0, "0 detached, 1 attached"));
 inline constexpr Record kCgattReadRes =
