@@ -93,8 +93,7 @@ void World::Judge() {
         std::vector<int> serials = item.reports_inside;
         if (item.owner == Item::report) serials.push_back(item.serial);
         for (const int serial : serials) {
-            if (flight == nullptr || flight->command != 0x052D) break;
-            if (kReportKinds[reports_[serial].kind].own == nullptr) continue;
+            if (flight == nullptr || kReportKinds[reports_[serial].kind].id != flight->command) continue;
             // By the wire nobody can tell this report from a line of the answer.
             flight->disturbed = residue_ = true;
             reports_[serial].loose = true;

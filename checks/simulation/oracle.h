@@ -68,7 +68,6 @@ struct ReportKind {
     int text_at;         // offset of a text with the serial, or -1
     bool ends_requests;  // a call event: ends the request in flight without an answer
     bool at_least;       // reported once for each response framed up to it
-    const char* own;     // the command whose answer it would be
 };
 extern const ReportKind kReportKinds[];
 extern const int kReportKindCount;

@@ -364,7 +364,7 @@ void World::Answer(Request& request, bool pdu_written) {
         const std::string report = NewReport(random, serial);
         // A line of the command's own name is part of its answer, wherever it comes from.
         const ReportKind& kind = kReportKinds[reports_[serial].kind];
-        if (request.command == 0x052D && kind.own != nullptr)
+        if (request.command == kind.id)
             reports_.erase(serial);
         else
             whole += report, inside.push_back(serial);
