@@ -4,7 +4,7 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
-#include "checks/unit/plain_framing.h"
+#include "checks/support/plain_framing.h"
 #include "codec/atcode.h"
 #include "commands/work_area.h"
 #include "records/payload.h"
