@@ -169,6 +169,23 @@ TEST(ScanRecord, ReadsAsTheCLibraryDoes) {
     }
 }
 
+TEST(ScanRecord, APercentSignMatchesItselfBehindBlanks) {
+    Sample got;
+    EXPECT_EQ(Scan("7%8", "%d%%%d", {kA, kB}, got), 2);
+    EXPECT_EQ(got.b, 8);
+    EXPECT_EQ(Scan("7 \t%8", "%d%%%d", {kA, kB}, got), 2);
+    EXPECT_EQ(Scan("7,8", "%d%%%d", {kA, kB}, got), 1);
+    EXPECT_EQ(Scan("7", "%d%%%d", {kA, kB}, got), 1);
+}
+
+TEST(PrintRecord, ACharacterIsTheFirstOfItsField) {
+    Sample sample = {0, 0, "ab", "", 0, 0, {'x', 'y', 'z'}};
+    const FieldRef fields[] = {kS, kC};
+    char out[8];
+    EXPECT_EQ(PrintRecord(out, "%c,%c", fields, &sample), 3U);
+    EXPECT_STREQ(out, "a,x");
+}
+
 TEST(PrintRecord, AllConversions) {
     Sample sample = {INT32_MIN, 42, "ab", "cd", 0x10000000000000f0ULL, 0, {}};
     const FieldRef fields[] = {kA, kS, kU, kB, kT, kA};
