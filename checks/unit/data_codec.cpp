@@ -212,6 +212,12 @@ DECODE_VECTOR(0x063B, Zpbic, EveryTypeGivesTheResult) {
         EXPECT_EQ(Decode(0x063B, type, "1").paras[8], '\xa5');
     }
 }
+// Only a comma inside a quoted text survives normalising.
+TEST(Zpbic, ACommaInsideQuotesIsRead) {
+    StartWith(kModule);
+    EXPECT_EQ(Decode(0x063B, 0, "\"1,2\"").Record(), Integers({1, 2}));
+    EXPECT_EQ(Decode(0x063B, 0, "\"1 2\"").Record(), Integers({1, 0}));
+}
 TEST(Pin, ZpbicStopsAtTheFirstComma) {
     for (const char* mode : {kModule, kOtherCard}) {
         StartWith(mode);
@@ -230,6 +236,15 @@ DECODE_VECTOR(0x063C, Zflag, ReadGivesTheDevice) {
         EXPECT_EQ(Decode(0x063C, READ, "usb").paras[16], '\xa5');
     }
     ExpectServesOnly(0x063C, {READ});
+}
+// The width ends a long text before a comma that quotes have kept.
+TEST(Zflag, ACommaInsideQuotesBehindALongText) {
+    StartWith(kModule);
+    EXPECT_EQ(Decode(0x063C, READ, "\"01234567890,5\"").Record(),
+              Bytes().Text("01234567890", 12).I32(5).data);
+    EXPECT_EQ(Decode(0x063C, READ, "\"01234567890,x\"").Record(),
+              Bytes().Text("01234567890", 12).I32(0).data);
+    EXPECT_EQ(Decode(0x063C, READ, "\"0123456789,5\"").Record(), Bytes().Text("0123456789,", 12).I32(0).data);
 }
 TEST(Pin, ZflagStopsAtTheFirstComma) {
     for (const char* mode : {kModule, kOtherCard}) {

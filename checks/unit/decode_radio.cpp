@@ -83,6 +83,13 @@ DECODE_VECTOR(0x0611, Band, ReadGivesTheNumber) {
     }
     ExpectServesOnly(0x0611, {SET, READ});
 }
+// Only a comma inside a quoted text survives normalising.
+TEST(Band, ACommaInsideQuotesIsRead) {
+    StartWith(kModule);
+    EXPECT_EQ(Decode(0x0611, READ, "\"3,GSM 900\",x").Record(), Bytes().I32(3).Text("GSM 900", 32).data);
+    EXPECT_EQ(Decode(0x0611, READ, "\"3," + std::string(40, 'G') + "\"").Record(),
+              Bytes().I32(3).Text(std::string(31, 'G'), 32).data);
+}
 TEST(Pin, BandStopsAtTheFirstComma) {
     for (const char* mode : {kModule, kOtherCard}) {
         StartWith(mode);
