@@ -8,8 +8,6 @@
 
 static constexpr char kLogSource[] = "response";
 
-// The length word of every report, whatever it carries.
-static constexpr uint16_t kReportDataLen = 518;
 static constexpr int kUssdCommand = 0x0532;
 
 // What the two senders differ in: the name in their log lines, whose result leaves, and whether USSD text

@@ -6,6 +6,9 @@
 // Sending an unsolicited report to a module. It needs the records and the queue, nothing else, so that the
 // response parser can push reports as well as the routing above it. Log lines carry "response".
 
+// The length word of every report, whatever it carries.
+inline constexpr uint16_t kReportDataLen = 518;
+
 // Sends the parameters of `res` to module `target` as command `cmd_id`, type `cmd_type`, result 1. For +CUSD
 // (0x0532) the length is carried and the parameters are zeros: the module fetches the text from the file. 0
 // sent, 1 failed.

@@ -4,20 +4,18 @@
 
 #include "platform/log.h"
 #include "records/report.h"
-#include "reports/report_records.h"
+#include "reports/report_catalog.h"
 #include "text/atpublic.h"
 #include "text/scan.h"
 
 namespace {
 
 constexpr char kLogSource[] = "response";
-constexpr int kCbm = 0x0115;
-constexpr int kCds = 0x0119;
 constexpr size_t kTextMax = 512;  // characters behind the name that belong to the report
 
-using Record = AT_CBM_NOTIFY_RES_PARA_T;
+using Page = AT_CBM_NOTIFY_RES_PARA_T;
 
-constexpr FieldRef kFields[] = {AT_FIELD_REF(Record, length), AT_FIELD_REF(Record, pdu)};
+constexpr FieldRef kFields[] = {AT_FIELD_REF(Page, length), AT_FIELD_REF(Page, pdu)};
 constexpr char kStatusReportFormat[] = "%d %507s";
 static_assert(ScanFits(kStatusReportFormat, kFields));
 
@@ -32,11 +30,11 @@ bool TakeText(const char* text, const char* name, char (&taken)[kTextMax + 1]) {
     return true;
 }
 
-int Send(int command, const Record& record) {
+int Send(const Destination& to, const Page& record) {
     _BK_AT_RES_T res;
     res.usParaLen = sizeof record;
     memcpy(res.aucParas, &record, sizeof record);
-    return send_auto_report(AT_MODULE_SMS, command, 1, &res);
+    return send_auto_report(to.target, to.id, to.type, &res);
 }
 
 }  // namespace
@@ -47,7 +45,7 @@ int cbm_resolve(const char* text) {
         AT_LOG(LOG_ERR, "cbm_resolve para is wrong\n");
         return 1;
     }
-    Record record = {};
+    Page record = {};
     if (char* line_end = strstr(taken, "\r\n")) {
         // The line ends here for the number, too: a page that begins with digits is no length.
         *line_end = '\0';
@@ -60,7 +58,7 @@ int cbm_resolve(const char* text) {
         if (length > sizeof record.pdu - 1) length = sizeof record.pdu - 1;
         memcpy(record.pdu, pdu, length);
     }
-    const int result = Send(kCbm, record);
+    const int result = Send(To(kBroadcastReport), record);
     AT_LOG(LOG_DEBUG, ">>>+CBM over\n");
     return result;
 }
@@ -71,9 +69,9 @@ int cds_resolve(const char* text) {
         AT_LOG(LOG_ERR, "cds_resolve para is wrong\n");
         return 1;
     }
-    Record record = {};
+    Page record = {};
     ScanRecord(taken, kStatusReportFormat, kFields, &record);
-    const int result = Send(kCds, record);
+    const int result = Send(To(kStatusReport), record);
     AT_LOG(LOG_DEBUG, ">>>+CDS over\n");
     return result;
 }

@@ -10,7 +10,7 @@
 #include "port/transmit.h"
 #include "records/report.h"
 #include "records/state.h"
-#include "reports/report_records.h"
+#include "reports/report_catalog.h"
 #include "text/atpublic.h"
 #include "text/scan.h"
 
@@ -18,12 +18,11 @@ namespace {
 
 constexpr char kLogSource[] = "response";
 
-constexpr uint16_t kAt = 0x0001;
-constexpr uint16_t kCmgs = 0x0108;
+constexpr uint16_t kAt = kProbeReport.id;
+constexpr uint16_t kCmgs = kMessageSentReport.id;
 constexpr uint16_t kCmgw = 0x010A;
-constexpr uint16_t kCcfc = 0x052B;
-constexpr uint16_t kCcwa = 0x052C;
-constexpr uint16_t kHangUp = 0x0408;
+constexpr uint16_t kCcfc = kMoreDivertsReport.id;
+constexpr uint16_t kCcwa = kMoreWaitingReport.id;
 
 constexpr int kCmdTypeStk = 35;          // +ZUPCI: the one proactive command whose text the module wants
 constexpr size_t kRequestPduSize = 500;  // the PDU's array in the records of +CMGS and +CMGW
@@ -32,17 +31,17 @@ constexpr char kEndOfMessage = 0x1A;
 // --- the rows --------------------------------------------------------------------------------------------
 
 // A report on its way: the response and where in its text the row's literal stands.
-struct Row;
+struct ReportRow;
 
 struct Report {
-    const Row* row;
+    const ReportRow* row;
     _BK_AT_RES_T* res;
     const char* at;
     size_t length;  // of the text from `at` on
 };
 
 // When a row applies.
-enum class Test : uint8_t {
+enum class Trigger : uint8_t {
     has_text,     // its literal stands in the text
     is_cmgs,      // the response itself is that of +CMGS
     cmgs_prompt,  // +CMGS is pending and the literal does not stand in the text
@@ -64,86 +63,44 @@ struct Layout {
     uint32_t restored = 0;  // bit n: put back in field n what normalising hid
 };
 
-struct Row {
-    Test test = Test::has_text;
+template <const ReportInfo& report>
+constexpr auto kFieldsOf = [] {
+    std::array<FieldRef, report.record->count> fields{};
+    for (size_t i = 0; i < fields.size(); i++)
+        fields[i] = report.record->fields[i].Ref();
+    return fields;
+}();
+template <const ReportInfo& report>
+consteval Layout LayoutOf(uint32_t restored = 0) {
+    return {kFieldsOf<report>, static_cast<uint16_t>(report.record->size), restored};
+}
+
+struct ReportRow {
+    Trigger test = Trigger::has_text;
     const char* literal = nullptr;
     Action action = Action::forward;
     bool clears = false;  // ends the request in flight
-    int target = 0;
-    uint16_t id = 0;
-    uint8_t type = 1;
+    Destination to = {};
     const char* format = nullptr;
     const Layout* record = nullptr;
     void (*run)(Report& report) = nullptr;
     void (*note)(const unsigned char* record) = nullptr;  // logs the decoded record
 };
 
-constexpr FieldRef kRefreshFields[] = {
-    AT_FIELD_REF(AT_ZREFRESH_NOTIFY_RES_PARA_T, file_id),
-    AT_FIELD_REF(AT_ZREFRESH_NOTIFY_RES_PARA_T, text),
-};
-constexpr Layout kRefresh = {kRefreshFields, sizeof(AT_ZREFRESH_NOTIFY_RES_PARA_T)};
-constexpr FieldRef kMessageFields[] = {
-    AT_FIELD_REF(AT_CMTI_NOTIFY_RES_PARA_T, memory),
-    AT_FIELD_REF(AT_CMTI_NOTIFY_RES_PARA_T, index),
-};
-constexpr Layout kNewMessage = {kMessageFields, sizeof(AT_CMTI_NOTIFY_RES_PARA_T)};
-constexpr FieldRef kClassFields[] = {
-    AT_FIELD_REF(AT_ZCLAS_NOTIFY_RES_PARA_T, length),
-    AT_FIELD_REF(AT_ZCLAS_NOTIFY_RES_PARA_T, pdu),
-};
-constexpr Layout kClassMessage = {kClassFields, sizeof(AT_ZCLAS_NOTIFY_RES_PARA_T), 0b10};
-constexpr FieldRef kVoiceMailFields[] = {AT_FIELD_REF(AT_ZVMAIL_NOTIFY_RES_PARA_T, vm_flag)};
-constexpr Layout kVoiceMail = {kVoiceMailFields, sizeof(AT_ZVMAIL_NOTIFY_RES_PARA_T)};
-constexpr FieldRef kHdrSignalFields[] = {AT_FIELD_REF(AT_HRSSILVL_NOTIFY_RES_PARA_T, hdr_rssi)};
-constexpr Layout kHdrSignal = {kHdrSignalFields, sizeof(AT_HRSSILVL_NOTIFY_RES_PARA_T)};
-constexpr FieldRef kConnectionFields[] = {AT_FIELD_REF(AT_ZCONSTAT_NOTIFY_RES_PARA_T, stat)};
-constexpr Layout kConnection = {kConnectionFields, sizeof(AT_ZCONSTAT_NOTIFY_RES_PARA_T)};
-constexpr FieldRef kAddressFields[] = {
-    AT_FIELD_REF(AT_ZGIPDNS_NOTIFY_RES_PARA_T, cid_num),
-    AT_FIELD_REF(AT_ZGIPDNS_NOTIFY_RES_PARA_T, cid1),
-    AT_FIELD_REF(AT_ZGIPDNS_NOTIFY_RES_PARA_T, PDP_type),
-    AT_FIELD_REF(AT_ZGIPDNS_NOTIFY_RES_PARA_T, PDP_addr),
-    AT_FIELD_REF(AT_ZGIPDNS_NOTIFY_RES_PARA_T, gateway),
-    AT_FIELD_REF(AT_ZGIPDNS_NOTIFY_RES_PARA_T, primary_dns),
-    AT_FIELD_REF(AT_ZGIPDNS_NOTIFY_RES_PARA_T, secondary_dns),
-};
-constexpr Layout kAddresses = {kAddressFields, sizeof(AT_ZGIPDNS_NOTIFY_RES_PARA_T), 0b1111100};
-constexpr FieldRef kIccidFields[] = {AT_FIELD_REF(AT_ZICCID_NOTIFY_RES_PARA_T, iccid)};
-constexpr Layout kIccid = {kIccidFields, sizeof(AT_ZICCID_NOTIFY_RES_PARA_T)};
-constexpr FieldRef kCregFields[] = {
-    AT_FIELD_REF(AT_CREG_NOTIFY_RES_PARA_T, state),
-    AT_FIELD_REF(AT_CREG_NOTIFY_RES_PARA_T, lac),
-    AT_FIELD_REF(AT_CREG_NOTIFY_RES_PARA_T, cellid),
-};
-constexpr Layout kCreg = {kCregFields, sizeof(AT_CREG_NOTIFY_RES_PARA_T), 0b110};
-constexpr FieldRef kCgregFields[] = {
-    AT_FIELD_REF(AT_CGREG_NOTIFY_RES_PARA_T, state),  AT_FIELD_REF(AT_CGREG_NOTIFY_RES_PARA_T, lac),
-    AT_FIELD_REF(AT_CGREG_NOTIFY_RES_PARA_T, cellid), AT_FIELD_REF(AT_CGREG_NOTIFY_RES_PARA_T, act),
-    AT_FIELD_REF(AT_CGREG_NOTIFY_RES_PARA_T, rac),    AT_FIELD_REF(AT_CGREG_NOTIFY_RES_PARA_T, sub_act),
-};
-constexpr Layout kCgreg = {kCgregFields, sizeof(AT_CGREG_NOTIFY_RES_PARA_T), 0b10110};
-constexpr FieldRef kCeregFields[] = {
-    AT_FIELD_REF(AT_CEREG_NOTIFY_RES_PARA_T, state),   AT_FIELD_REF(AT_CEREG_NOTIFY_RES_PARA_T, tac),
-    AT_FIELD_REF(AT_CEREG_NOTIFY_RES_PARA_T, cellid),  AT_FIELD_REF(AT_CEREG_NOTIFY_RES_PARA_T, act),
-    AT_FIELD_REF(AT_CEREG_NOTIFY_RES_PARA_T, sub_act),
-};
-constexpr Layout kCereg = {kCeregFields, sizeof(AT_CEREG_NOTIFY_RES_PARA_T), 0b110};
-constexpr FieldRef kTimeFields[] = {
-    {0, 4, FieldType::i32},  {4, 4, FieldType::i32},  {8, 4, FieldType::i32},  {12, 4, FieldType::i32},
-    {16, 4, FieldType::i32}, {20, 4, FieldType::i32}, {24, 4, FieldType::i32}, {28, 4, FieldType::i32},
-};
-constexpr Layout kTime = {kTimeFields, sizeof(AT_ZNITZ_NOTIFY_RES_PARA_T)};
-constexpr FieldRef kToolkitFields[] = {
-    AT_FIELD_REF(AT_ZUPCI_NOTIFY_RES_PARA_T, cmdtype),
-    {4, 4, FieldType::i32},
-    {8, 4, FieldType::i32},
-    {12, 4, FieldType::i32},
-    AT_FIELD_REF(AT_ZUPCI_NOTIFY_RES_PARA_T, txt),
-};
-constexpr Layout kToolkitText = {kToolkitFields, sizeof(AT_ZUPCI_NOTIFY_RES_PARA_T), 0b10000};
-constexpr FieldRef kToolkitEndFields[] = {AT_FIELD_REF(AT_ZUEND_NOTIFY_RES_PARA_T, result)};
-constexpr Layout kToolkitEnd = {kToolkitEndFields, sizeof(AT_ZUEND_NOTIFY_RES_PARA_T)};
+constexpr Layout kRefresh = LayoutOf<kSimFileReport>();
+constexpr Layout kNewMessage = LayoutOf<kNewMessageReport>();
+constexpr Layout kClassMessage = LayoutOf<kClassMessageReport>(0b10);
+constexpr Layout kVoiceMail = LayoutOf<kVoiceMailReport>();
+constexpr Layout kHdrSignal = LayoutOf<kHdrSignalReport>();
+constexpr Layout kConnection = LayoutOf<kConnectionReport>();
+constexpr Layout kAddresses = LayoutOf<kAddressReport>(0b1111100);
+constexpr Layout kIccid = LayoutOf<kIccidReport>();
+constexpr Layout kCreg = LayoutOf<kCregReport>(0b110);
+constexpr Layout kCgreg = LayoutOf<kCgregReport>(0b10110);
+constexpr Layout kCereg = LayoutOf<kCeregReport>(0b110);
+constexpr Layout kTime = LayoutOf<kTimeReport>();
+constexpr Layout kToolkitText = LayoutOf<kToolkitTextReport>(0b10000);
+constexpr Layout kToolkitEnd = LayoutOf<kToolkitEndReport>();
 
 void AnswerCmgsPrompt(Report& report);
 void AnswerCmgwPrompt(Report& report);
@@ -154,56 +111,52 @@ void DecodeToolkitText(Report& report);
 void NoteNewMessage(const unsigned char* record);
 void NoteConnection(const unsigned char* record);
 
-constexpr int kSms = AT_MODULE_SMS;
-constexpr int kCall = AT_MODULE_CALL;
-constexpr int kSim = AT_MODULE_SIM;
-constexpr int kData = AT_MODULE_DATA;
 using enum Action;
 
 // clang-format off
 // The first row that applies decides. A longer literal stands before the shorter one that it contains.
-constexpr Row kRows[] = {
-    {.literal = "ZREFRESH: ", .action = decode, .target = kSms, .id = 0x011A, .format = "ZREFRESH: %32s %32s", .record = &kRefresh},
-    {.literal = "+CMTI: ", .action = decode, .target = kSms, .id = 0x0110, .format = "+CMTI: %10s %d", .record = &kNewMessage, .note = NoteNewMessage},
-    {.literal = "+ZVMTI: ", .action = decode, .target = kSms, .id = 0x0117, .format = "+ZVMTI: %10s %d", .record = &kNewMessage},
-    {.literal = "+CDSI: ", .action = decode, .target = kSms, .id = 0x0112, .format = "+CDSI: %10s %d", .record = &kNewMessage},
-    {.test = Test::is_cmgs, .target = kSms, .id = kCmgs, .type = 2},
+constexpr ReportRow kRows[] = {
+    {.literal = "ZREFRESH: ", .action = decode, .to = To(kSimFileReport), .format = "ZREFRESH: %32s %32s", .record = &kRefresh},
+    {.literal = "+CMTI: ", .action = decode, .to = To(kNewMessageReport), .format = "+CMTI: %10s %d", .record = &kNewMessage, .note = NoteNewMessage},
+    {.literal = "+ZVMTI: ", .action = decode, .to = To(kNewVoiceMailReport), .format = "+ZVMTI: %10s %d", .record = &kNewMessage},
+    {.literal = "+CDSI: ", .action = decode, .to = To(kStoredStatusReport), .format = "+CDSI: %10s %d", .record = &kNewMessage},
+    {.test = Trigger::is_cmgs, .to = To(kMessageSentReport)},
     // While a message is being sent, whatever else arrives is taken for the modem's "> ".
-    {.test = Test::cmgs_prompt, .literal = "+CGEV: ", .action = handle, .run = AnswerCmgsPrompt},
-    {.test = Test::cmgw_prompt, .action = handle, .run = AnswerCmgwPrompt},
-    {.literal = "RINGBACK:", .target = kCall, .id = 0x053D},
-    {.literal = "RINGBACKLOCAL", .target = kCall, .id = 0x053D},
-    {.literal = "RINGBACK", .target = kCall, .id = 0x053D},
-    {.literal = "VOICE NO CARRIER : ", .target = kCall, .id = 0x040E},
-    {.literal = "VOICE NO CARRIER: ", .target = kCall, .id = 0x040E},
-    {.literal = "VOICE NO CARRIER ", .target = kCall, .id = 0x040E},
-    {.literal = "STOPRING", .target = kCall, .id = 0x040C},
-    {.literal = "RING", .target = kCall, .id = 0x0407},
-    {.literal = "+CLIP: ", .action = prepare, .target = kCall, .id = 0x0513, .run = TakeCallingNumber},
-    {.literal = "+CCWA: ", .target = kCall, .id = kCcwa},
-    {.literal = "VOICE CONNECT", .clears = true, .target = kCall, .id = 0x040D},
-    {.literal = "ANSWER", .clears = true, .target = kCall, .id = 0x040A},
+    {.test = Trigger::cmgs_prompt, .literal = "+CGEV: ", .action = handle, .run = AnswerCmgsPrompt},
+    {.test = Trigger::cmgw_prompt, .action = handle, .run = AnswerCmgwPrompt},
+    {.literal = "RINGBACK:", .to = To(kRingbackReport)},
+    {.literal = "RINGBACKLOCAL", .to = To(kRingbackReport)},
+    {.literal = "RINGBACK", .to = To(kRingbackReport)},
+    {.literal = "VOICE NO CARRIER : ", .to = To(kNoCarrierReport)},
+    {.literal = "VOICE NO CARRIER: ", .to = To(kNoCarrierReport)},
+    {.literal = "VOICE NO CARRIER ", .to = To(kNoCarrierReport)},
+    {.literal = "STOPRING", .to = To(kStopRingReport)},
+    {.literal = "RING", .to = To(kRingReport)},
+    {.literal = "+CLIP: ", .action = prepare, .to = To(kCallingNumberReport), .run = TakeCallingNumber},
+    {.literal = "+CCWA: ", .to = To(kCallWaitingReport)},
+    {.literal = "VOICE CONNECT", .clears = true, .to = To(kConnectReport)},
+    {.literal = "ANSWER", .clears = true, .to = To(kAnswerReport)},
     {.literal = "ZVCONNECT: ", .action = handle, .run = NoteCallState},
-    {.literal = "CONNECT", .clears = true, .target = kCall, .id = 0x040D},
-    {.literal = "HANGUP:", .target = kCall, .id = 0x0408},
-    {.literal = "+ZCLAS: ", .action = decode, .target = kSms, .id = 0x0521, .format = "+ZCLAS: %d %499s", .record = &kClassMessage},
-    {.literal = "ZVMAIL: ", .action = decode, .target = kSms, .id = 0x0118, .format = "ZVMAIL: %d", .record = &kVoiceMail},
-    {.literal = "^CONN", .clears = true, .target = kCall, .id = 0x0541},
-    {.literal = "^CEND", .clears = true, .target = kCall, .id = 0x0542},
-    {.literal = "+ZCPI", .clears = true, .target = kCall, .id = 0x055E},
+    {.literal = "CONNECT", .clears = true, .to = To(kConnectReport)},
+    {.literal = "HANGUP:", .to = To(kHangUpReport)},
+    {.literal = "+ZCLAS: ", .action = decode, .to = To(kClassMessageReport), .format = "+ZCLAS: %d %499s", .record = &kClassMessage},
+    {.literal = "ZVMAIL: ", .action = decode, .to = To(kVoiceMailReport), .format = "ZVMAIL: %d", .record = &kVoiceMail},
+    {.literal = "^CONN", .clears = true, .to = To(kCallBeginReport)},
+    {.literal = "^CEND", .clears = true, .to = To(kCallEndReport)},
+    {.literal = "+ZCPI", .clears = true, .to = To(kCallStateReport)},
     {.literal = "OK", .action = handle, .clears = true, .run = ReportLateOk},
-    {.literal = "^HRSSILVL:", .action = decode_raw, .target = kSim, .id = 0x0550, .format = "^HRSSILVL:%2s", .record = &kHdrSignal},
-    {.literal = "+ZCONSTAT: ", .action = decode_raw, .target = kData, .id = 0x0625, .format = "+ZCONSTAT: %d", .record = &kConnection, .note = NoteConnection},
-    {.literal = "+ZGIPDNS: ", .action = decode, .target = kData, .id = 0x0627, .format = "+ZGIPDNS: %d %d %8s %59s %59s %59s %59s", .record = &kAddresses},
-    {.literal = "+ZICCID: ", .action = decode_raw, .target = kSim, .id = 0x0629, .type = 6, .format = "+ZICCID: %63s", .record = &kIccid},
-    {.literal = "+CREG: ", .action = decode, .target = kSim, .id = 0x052D, .type = 6, .format = "+CREG: %d %15s %15s", .record = &kCreg},
-    {.literal = "+CGREG: ", .action = decode, .target = kSim, .id = 0x0553, .type = 6, .format = "+CGREG: %d %15s %15s %d %15s %d", .record = &kCgreg},
-    {.literal = "+CEREG: ", .action = decode, .target = kSim, .id = 0x0552, .type = 6, .format = "+CEREG: %d %15s %15s %d %d", .record = &kCereg},
-    {.literal = "+ZNITZ: ", .action = decode, .target = AT_MODULE_TIME, .id = 0x063E, .format = "+ZNITZ: %d %d %d %d %d %d %d %d", .record = &kTime},
-    {.literal = "+ZUPCI: ", .action = prepare, .target = kSim, .id = 0x0630, .type = 6, .format = "+ZUPCI: %d %d %d %d %511s", .record = &kToolkitText, .run = DecodeToolkitText},
-    {.literal = "+ZUEND: ", .action = decode, .target = kSim, .id = 0x0632, .type = 6, .format = "+ZUEND: %d", .record = &kToolkitEnd},
-    {.literal = "+ZEND", .target = AT_MODULE_TOOLKIT, .id = 0x0708},
-    {.literal = "+ZSIMREFRESH", .target = kSim, .id = 0x0646, .type = 6},
+    {.literal = "^HRSSILVL:", .action = decode_raw, .to = To(kHdrSignalReport), .format = "^HRSSILVL:%2s", .record = &kHdrSignal},
+    {.literal = "+ZCONSTAT: ", .action = decode_raw, .to = To(kConnectionReport), .format = "+ZCONSTAT: %d", .record = &kConnection, .note = NoteConnection},
+    {.literal = "+ZGIPDNS: ", .action = decode, .to = To(kAddressReport), .format = "+ZGIPDNS: %d %d %8s %59s %59s %59s %59s", .record = &kAddresses},
+    {.literal = "+ZICCID: ", .action = decode_raw, .to = To(kIccidReport), .format = "+ZICCID: %63s", .record = &kIccid},
+    {.literal = "+CREG: ", .action = decode, .to = To(kCregReport), .format = "+CREG: %d %15s %15s", .record = &kCreg},
+    {.literal = "+CGREG: ", .action = decode, .to = To(kCgregReport), .format = "+CGREG: %d %15s %15s %d %15s %d", .record = &kCgreg},
+    {.literal = "+CEREG: ", .action = decode, .to = To(kCeregReport), .format = "+CEREG: %d %15s %15s %d %d", .record = &kCereg},
+    {.literal = "+ZNITZ: ", .action = decode, .to = To(kTimeReport), .format = "+ZNITZ: %d %d %d %d %d %d %d %d", .record = &kTime},
+    {.literal = "+ZUPCI: ", .action = prepare, .to = To(kToolkitTextReport), .format = "+ZUPCI: %d %d %d %d %511s", .record = &kToolkitText, .run = DecodeToolkitText},
+    {.literal = "+ZUEND: ", .action = decode, .to = To(kToolkitEndReport), .format = "+ZUEND: %d", .record = &kToolkitEnd},
+    {.literal = "+ZEND", .to = To(kToolkitLeaveReport)},
+    {.literal = "+ZSIMREFRESH", .to = To(kSimRefreshReport)},
 };
 // clang-format on
 
@@ -219,10 +172,10 @@ consteval bool BeginsWith(const char* text, const char* head) {
 // Not that `run` is set where it is called: a sanitizer keeps compilers from telling a function from null
 // here.
 consteval bool RowsAreSound() {
-    for (const Row& row : kRows) {
-        if (row.test != Test::is_cmgs && row.test != Test::cmgw_prompt && row.literal == nullptr)
+    for (const ReportRow& row : kRows) {
+        if (row.test != Trigger::is_cmgs && row.test != Trigger::cmgw_prompt && row.literal == nullptr)
             return false;
-        if ((row.action == handle) != (row.target == 0)) return false;
+        if ((row.action == handle) != (row.to.target == 0)) return false;
         const bool decodes = row.action == decode || row.action == decode_raw;
         if (decodes && row.record == nullptr) return false;
         if (row.record == nullptr) continue;
@@ -287,15 +240,15 @@ void FindLiterals(const char* text, size_t length, Found& result) {
     }
 }
 
-bool Applies(const Row& row, bool has_literal, const _BK_AT_RES_T& res, bool may_prompt) {
+bool Applies(const ReportRow& row, bool has_literal, const _BK_AT_RES_T& res, bool may_prompt) {
     switch (row.test) {
-        case Test::has_text:
+        case Trigger::has_text:
             return has_literal;
-        case Test::is_cmgs:
+        case Trigger::is_cmgs:
             return res.usCmdID == kCmgs;
-        case Test::cmgs_prompt:
+        case Trigger::cmgs_prompt:
             return may_prompt && PendingRequest()->usCmdID == kCmgs && !has_literal;
-        case Test::cmgw_prompt:
+        case Trigger::cmgw_prompt:
             return may_prompt && PendingRequest()->usCmdID == kCmgw;
     }
     return false;
@@ -308,6 +261,10 @@ void SetParas(_BK_AT_RES_T& res, const void* record, uint16_t size) {
     res.usParaLen = size;
 }
 
+void Send(const Destination& to, const _BK_AT_RES_T* res) {
+    send_auto_report(to.target, to.id, to.type, res);
+}
+
 // The text from the literal on, terminated; it is shorter than a parameter line.
 void CopyText(const Report& report, char (&line)[kParaLineSize]) {
     memcpy(line, report.at, report.length);
@@ -316,7 +273,7 @@ void CopyText(const Report& report, char (&line)[kParaLineSize]) {
 static_assert(AT_RESPONSE_PARAS_SIZE < kParaLineSize);
 
 // Reads the row's record from `line` into `record`, which has room for any of them.
-void ReadRecord(const Row& row, char (&line)[kParaLineSize], unsigned char* record) {
+void ReadRecord(const ReportRow& row, char (&line)[kParaLineSize], unsigned char* record) {
     if (row.action != decode_raw) PreProc_Res_ParaLine(line);
     memset(record, 0, row.record->size);
     ScanRecord(line, row.format, row.record->fields, record);
@@ -325,7 +282,7 @@ void ReadRecord(const Row& row, char (&line)[kParaLineSize], unsigned char* reco
             Restore_String_Para(reinterpret_cast<char*>(record + row.record->fields[i].offset));
 }
 
-void Decode(const Row& row, Report& report) {
+void Decode(const ReportRow& row, Report& report) {
     char line[kParaLineSize];
     unsigned char record[AT_RESPONSE_PARAS_SIZE];
     CopyText(report, line);
@@ -410,16 +367,16 @@ void NoteCallState(Report& report) {
 // An OK that is nobody's answer: of the AT that probes the modem, else of a dial whose call has ended.
 void ReportLateOk(Report& report) {
     if (PendingRequest()->usCmdID == kAt) {
-        send_auto_report(kSim, kAt, 1, report.res);
+        Send(To(kProbeReport), report.res);
     } else {
-        send_auto_report(kCall, kHangUp, 1, report.res);
+        Send(To(kHangUpReport), report.res);
         g_atd_warting = 0;
     }
 }
 
 // The text is wanted for one proactive command alone; the others are reported by their number.
 void DecodeToolkitText(Report& report) {
-    const Row& row = *report.row;
+    const ReportRow& row = *report.row;
     char line[kParaLineSize];
     unsigned char record[sizeof(AT_ZUPCI_NOTIFY_RES_PARA_T)] = {};
     int32_t cmdtype = 0;
@@ -439,7 +396,7 @@ bool ForwardFurtherLine(const _BK_AT_RES_T* res) {
         AT_LOG(LOG_DEBUG, "---.>>>>>>>>>>g_last_atcmd == AT_CCWA_CMD");
     else
         return false;
-    send_auto_report(kCall, g_last_atcmd, 2, res);
+    Send(g_last_atcmd == kCcfc ? To(kMoreDivertsReport) : To(kMoreWaitingReport), res);
     return true;
 }
 
@@ -460,7 +417,7 @@ void RouteReport(MSG_BUF* pRes, const RouteContext& context) {
     Found literals;
     FindLiterals(text, length, literals);
     for (int i = 0; i < kRowCount; i++) {
-        const Row& row = kRows[i];
+        const ReportRow& row = kRows[i];
         const bool has_literal = (literals.found >> i & 1U) != 0;
         if (!Applies(row, has_literal, res, context.may_prompt)) continue;
         const size_t at = has_literal ? literals.at[i] : 0;
@@ -469,7 +426,7 @@ void RouteReport(MSG_BUF* pRes, const RouteContext& context) {
             row.run(report);
         else if (row.action != forward)
             Decode(row, report);
-        if (row.action != handle) send_auto_report(row.target, row.id, row.type, &res);
+        if (row.action != handle) Send(row.to, &res);
         if (row.clears && context.may_clear) ClearPendingRequest();
         return;
     }
