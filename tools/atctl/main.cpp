@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <charconv>
 #include <cstdlib>
 #include <iostream>
 #include <nlohmann/json.hpp>
@@ -11,6 +12,7 @@
 #include "tools/atctl/describe.h"
 #include "tools/atctl/find_command.h"
 #include "tools/atctl/misuse.h"
+#include "tools/atctl/monitor.h"
 #include "tools/atctl/send.h"
 #include "tools/atctl/stop_signal.h"
 #include "tools/atctl/text.h"
@@ -30,6 +32,17 @@ constexpr char kSendNotes[] =
     "Exit status: 0 result 1 (OK), 1 any other result, 2 nothing was sent (a wrong call, no server, its "
     "queue\n"
     "is full or not ours), 3 no answer came in time.\n";
+
+constexpr char kMonitorNotes[] =
+    "Modules: call, sim, sms, time, toolkit, ussd, data, or numbers. Their queues are the monitor's until "
+    "it\n"
+    "ends, so it refuses while the module itself runs. One line for each report, at most 20 ms late; lines\n"
+    "of different modules may change places within that time.\n\n"
+    "Examples:\n"
+    "  atctl monitor --timeout 0.1              everything that is reported\n"
+    "  atctl monitor sms call --timeout 0.1 --json\n\n"
+    "Exit status: 0 the count or, without one, the time is over; 2 nothing can be received (a wrong call, a\n"
+    "queue that is not ours), 3 the time ran out before the count.\n";
 
 constexpr char kListNotes[] =
     "Examples:\n"
@@ -68,6 +81,20 @@ std::string CheckSeconds(std::string& text) {
     return good ? "" : "\"" + Printable(text) + "\" is not a time from 0.001 to 86400 seconds";
 }
 
+constexpr unsigned kMostReports = 1'000'000'000;
+
+// 0 when it is no count.
+unsigned ParseCount(const std::string& text) {
+    unsigned count = 0;
+    const char* const end = text.data() + text.size();
+    const auto [stop, fault] = std::from_chars(text.data(), end, count);
+    return fault == std::errc() && stop == end && count <= kMostReports ? count : 0;
+}
+
+std::string CheckCount(std::string& text) {
+    return ParseCount(text) != 0 ? "" : "\"" + Printable(text) + "\" is not a count from 1 to 1000000000";
+}
+
 // The first word is a subcommand, or an option.
 void CheckSubcommand(const CLI::App& app, int argc, char** argv) {
     if (argc < 2 || *argv[1] == '-') return;
@@ -102,6 +129,19 @@ int Run(int argc, char** argv) {
                    "The request's record and the answer's header, on standard error");
     send->footer(kSendNotes);
 
+    MonitorOptions monitored;
+    CLI::App* monitor = app.add_subcommand("monitor", "Show reports as they come, in place of the modules");
+    monitor->add_option("MODULE", monitored.modules, "call, sms, 0x1002, ... (default: all)")->type_name("");
+    monitor->add_flag("--json", monitored.json, "One JSON object in each line");
+    std::string count;
+    monitor->add_option("--count", count, "End after so many reports")
+        ->type_name("N")
+        ->check(CLI::Validator(CheckCount, ""));
+    monitor->add_option("--timeout", monitored.timeout, "End after this time")
+        ->type_name("SECONDS")
+        ->check(CLI::Validator(CheckSeconds, ""));
+    monitor->footer(kMonitorNotes);
+
     bool json = false;
     std::string name;
     CLI::App* list = app.add_subcommand("list", "List the commands of the server");
@@ -131,6 +171,15 @@ int Run(int argc, char** argv) {
         QueueClient::Setup setup;
         setup.stop = StopRequested;
         const int status = Send(options, setup, {std::cout, std::cerr, paint});
+        EndByStopSignal();
+        return status;
+    }
+    if (monitor->parsed()) {
+        for (std::string& module : monitored.modules)
+            Undisguise(module);
+        monitored.count = ParseCount(count);
+        CatchStopSignals();
+        const int status = Monitor(monitored, {StopRequested, STDOUT_FILENO}, {std::cout, std::cerr, paint});
         EndByStopSignal();
         return status;
     }

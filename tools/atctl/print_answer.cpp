@@ -85,6 +85,8 @@ Json FieldsJson(const std::vector<Value>& values) {
     return fields;
 }
 
+}  // namespace
+
 std::string HexText(const std::vector<uint8_t>& bytes) {
     std::string text;
     for (const uint8_t byte : bytes) {
@@ -94,8 +96,6 @@ std::string HexText(const std::vector<uint8_t>& bytes) {
     }
     return text;
 }
-
-}  // namespace
 
 std::string MeaningOf(const Value& value) {
     const std::string_view words = WordsOf(value);
@@ -148,13 +148,7 @@ void PrintAnswer(std::ostream& out, const Paint& paint, const Row& row, const De
             << ", which cannot be used: " << decoded.file_fault << '\n';
 }
 
-Json AnswerJson(const Row& row, const Decoded& decoded) {
-    Json json;
-    json["command"] = row.name;
-    json["type"] = TypeName(decoded.type);
-    json["id"] = row.id;
-    json["result"] = decoded.result;
-    json["result_text"] = ResultWords(decoded.result);
+void AddContentJson(Json& json, const Decoded& decoded) {
     if (decoded.record != nullptr) {
         json["fields"] = FieldsJson(decoded.fields);
         if (decoded.record->entry != nullptr) {
@@ -170,5 +164,15 @@ Json AnswerJson(const Row& row, const Decoded& decoded) {
     if (decoded.file != nullptr) json["file"] = decoded.file;
     if (!decoded.file_fault.empty()) json["file_error"] = decoded.file_fault;
     json["para_len"] = decoded.para_len;
+}
+
+Json AnswerJson(const Row& row, const Decoded& decoded) {
+    Json json;
+    json["command"] = row.name;
+    json["type"] = TypeName(decoded.type);
+    json["id"] = row.id;
+    json["result"] = decoded.result;
+    json["result_text"] = ResultWords(decoded.result);
+    AddContentJson(json, decoded);
     return json;
 }

@@ -21,6 +21,13 @@ void PrintAnswer(std::ostream& out, const Paint& paint, const Row& row, const De
 // {command, type, id, result, result_text, fields and entries or text, para_len, ...}
 nlohmann::ordered_json AnswerJson(const Row& row, const Decoded& decoded);
 
+// What the parameters hold, for an object that says already whose they are: fields and entries or text,
+// para_len, ...
+void AddContentJson(nlohmann::ordered_json& json, const Decoded& decoded);
+
+// Two digits for each byte.
+std::string HexText(const std::vector<uint8_t>& bytes);
+
 // `name  value  (meaning)`, aligned.
 void PrintFields(std::ostream& out, const std::vector<Value>& values);
 

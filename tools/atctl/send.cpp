@@ -1,6 +1,5 @@
 #include "tools/atctl/send.h"
 
-#include <charconv>
 #include <cmath>
 #include <cstring>
 #include <ctime>
@@ -11,6 +10,7 @@
 #include "tools/atctl/error_words.h"
 #include "tools/atctl/find_command.h"
 #include "tools/atctl/misuse.h"
+#include "tools/atctl/module_name.h"
 #include "tools/atctl/print_answer.h"
 #include "tools/atctl/request.h"
 
@@ -24,15 +24,10 @@ constexpr milliseconds kFullQueuePatience(2000);
 
 std::optional<uint16_t> ParseModule(const std::string& text) {
     if (text.empty()) return std::nullopt;
-    const bool hexadecimal = text.starts_with("0x") || text.starts_with("0X");
-    const char* const begin = text.data() + (hexadecimal ? 2 : 0);
-    const char* const end = text.data() + text.size();
-    unsigned id = 0;
-    const auto [stop, fault] = std::from_chars(begin, end, id, hexadecimal ? 16 : 10);
-    if (fault != std::errc() || stop != end || id == 0 || id > 0xFFFF)
-        throw Misuse("--module is a number from 1 to 0xFFFF, not \"" + Printable(text) + "\"");
+    const uint16_t id = ModuleFromNumber(text);
+    if (id == 0) throw Misuse("--module is a number from 1 to 0xFFFF, not \"" + Printable(text) + "\"");
     if (id == AT_MODULE_SERVER) throw Misuse("--module " + text + " is the server's own id");
-    return static_cast<uint16_t>(id);
+    return id;
 }
 
 std::string Seconds(double seconds) {
