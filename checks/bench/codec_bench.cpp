@@ -24,7 +24,7 @@ void Parse(benchmark::State& state, const std::string& text, Scan scan) {
         scan(&g_line, text.c_str());
         benchmark::DoNotOptimize(g_line.Result);
     }
-    state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * text.size()));
+    state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(text.size()));
 }
 
 void AddParse(const std::string& name, const std::string& text) {
@@ -54,7 +54,7 @@ void EveryRow(benchmark::State& state, Work work) {
     for (size_t row = 1; row < kAtCmdTableSize; ++row)
         if (spent[row] > spent[slowest]) slowest = row;
     const auto nanoseconds = std::chrono::nanoseconds(spent[slowest]).count() / int64_t(state.iterations());
-    state.SetItemsProcessed(static_cast<int64_t>(state.iterations() * rows));
+    state.SetItemsProcessed(state.iterations() * static_cast<int64_t>(rows));
     state.SetLabel(std::to_string(rows) + " rows; slowest " + g_astAtCmdTable[slowest].acCmdName + " " +
                    std::to_string(nanoseconds) + " ns");
 }

@@ -27,9 +27,9 @@ void Deliver(benchmark::State& state, const std::string& text, size_t size, uint
             ProcessReceived(chunk.data());
         }
     }
-    if (id != 0 && g_at_statistics.received.load() - before != state.iterations())
+    if (id != 0 && g_at_statistics.received.load() - before != static_cast<uint64_t>(state.iterations()))
         state.SkipWithError("an answer was not delivered");
-    state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * text.size()));
+    state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(text.size()));
 }
 
 // In the order of the rows.

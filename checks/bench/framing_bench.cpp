@@ -52,7 +52,7 @@ void Frame(benchmark::State& state, const std::string& text, size_t size, uint16
         }
         benchmark::DoNotOptimize(responses);
     }
-    state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * text.size()));
+    state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(text.size()));
 }
 
 void PlainFrame(benchmark::State& state, const std::string& text, size_t size) {
@@ -68,7 +68,7 @@ void PlainFrame(benchmark::State& state, const std::string& text, size_t size) {
         }
         benchmark::DoNotOptimize(responses);
     }
-    state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * text.size()));
+    state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(text.size()));
 }
 
 void Add(const std::string& name, const std::string& text, size_t size, uint16_t id, bool plain = true) {
