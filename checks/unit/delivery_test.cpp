@@ -228,6 +228,23 @@ TEST_F(Delivery, RegistrationReadIsAnAnswerAndNotAReport) {
     EXPECT_EQ(Messages()[0].para_len, 40);
 }
 
+TEST_F(Delivery, EveryRegistrationLineBelongsToARegistrationReadUntilItsOk) {
+    Sent state = Answer(0x052D, AT_CMD_TYPE_READ, 1, 40, Registration(5).text);
+    ExpectEverySplit(0x052D, AT_CMD_TYPE_READ, "\r\n+CREG: 5\r\n\r\n+CREG: 0,1\r\n\r\nOK\r\n", {state});
+}
+
+TEST_F(Delivery, LineThatLooksLikeThePromptStaysInItsAnswer) {
+    // As long as its line break comes along; without it, it is the prompt.
+    Pend(0x0603, AT_CMD_TYPE_EXEC);
+    Feed("\r\n123\r\n> 4\r\n\r\nOK\r\n");
+    EXPECT_EQ(Messages(), (std::vector<Sent>{Answer(0x0603, AT_CMD_TYPE_EXEC, 1, 32, "123>")}));
+}
+
+TEST_F(Delivery, LineOfHexDigitsBehindABlankLineIsNotTheReportsOwn) {
+    ExpectEverySplit(0x0603, AT_CMD_TYPE_EXEC, "\r\n%NEWS: 4\r\n\r\n07911326\r\n\r\nOK\r\n",
+                     {Answer(0x0603, AT_CMD_TYPE_EXEC, 1, 32, "07911326")});
+}
+
 TEST_F(Delivery, LateRegistrationAnswerTakesItsOkAlong) {
     // With nothing pending an OK alone is a hang-up for the call module.
     ExpectEverySplit(0, 0, "\r\n+CREG: 1,5\r\n\r\nOK\r\n", {Registration(1)});
