@@ -99,14 +99,6 @@ TEST(Pin, BandStopsAtTheFirstComma) {
 }
 
 // Inside one quoted text the comma survives: the only way to the description.
-TEST(Band, ACommaInsideQuotesIsRead) {
-    StartWith(kModule);
-    EXPECT_EQ(Decode(0x0611, READ, "\"3,G S\"").Record(), Bytes().I32(3).Text("G S", 32).data);
-    for (size_t length : {31U, 32U})
-        EXPECT_EQ(Decode(0x0611, READ, "\"3," + std::string(length, 'd') + "\"").Record(),
-                  Bytes().I32(3).Text(std::string(31, 'd'), 32).data);
-}
-
 // ---- locks
 // -------------------------------------------------------------------------------------------
 

@@ -1,5 +1,5 @@
-#include "records/payload.h"
 #include "records/queue.h"
+#include "records/payload.h"
 
 #include <errno.h>
 #include <gtest/gtest.h>
