@@ -92,6 +92,8 @@ constexpr unsigned AnswerFaults(const Answer& answer) {
     }
     if (answer.from == From::whole && (answer.format != nullptr || record.fields[0].type != FieldType::text))
         faults |= kFaultScanFormat;
+    // Each line of a list is normalised before it is read.
+    if (record.entry != nullptr && answer.from != From::normalised) faults |= kFaultScanFormat;
     if (answer.log.format != nullptr && LongestText(record, answer.log.format, answer.log.args) < 0)
         faults |= kFaultLogFormat;
     return faults;

@@ -139,6 +139,22 @@ TEST(RowCheck, RefusesEachFault) {
     EXPECT_EQ(FaultsAfter([](Row& row) { row.decode.answers[0].log.format = "%s"; }), kFaultLogFormat);
 }
 
+TEST(RowCheck, RefusesAListThatIsNotNormalised) {
+    Record list = kSample;
+    list.entry = &kSample;
+    list.entry_offset = 12;
+    list.entry_count = 2;
+    list.size = 36;
+    const auto faults = [&](From from) {
+        return FaultsAfter([&](Row& row) {
+            row.decode.answers[0].record = &list;
+            row.decode.answers[0].from = from;
+        });
+    };
+    EXPECT_EQ(faults(From::normalised), 0U);
+    EXPECT_EQ(faults(From::raw), kFaultScanFormat);
+}
+
 TEST(RowCheck, RefusesRecordsThatCannotBe) {
     Record overlapping = kSample;
     overlapping.fields[1].offset = 3;
