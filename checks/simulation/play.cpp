@@ -333,7 +333,7 @@ std::string World::NewReport(Random& random, int& serial) {
 void World::Answer(Request& request, bool pdu_written) {
     if (pdu_written && request.pdu_taken) return;
     request.pdu_taken = pdu_written;
-    Random random(request.serial + (pdu_written ? 7 : 0) + episode_.seed * 31);
+    Random random(static_cast<uint64_t>(request.serial + (pdu_written ? 7 : 0)) + episode_.seed * 31);
     const uint32_t limit = LimitOf(request.command);
     const bool patient = limit <= 1000 || random.OneIn(20);
     const unsigned luck = random.Below(1000);
