@@ -100,6 +100,7 @@ void World::Judge() {
         }
     }
     if (flight != nullptr && foreign) flight->disturbed = true;
+    last_read_.clear();
     const bool prompted = flight != nullptr && flight->command == 0x0108;
     for (const Bytes& bytes : just_read_) {
         const Item& item = items_[bytes.item];
@@ -108,6 +109,7 @@ void World::Judge() {
         for (const int serial : serials) {
             if (foreign || residue_ || prompted) reports_[serial].loose = true;
             if (bytes.last) reports_[serial].read = true;
+            last_read_.push_back(serial);
         }
     }
     just_read_.clear();
@@ -144,7 +146,10 @@ void World::Cleared() {
         if (!allowed) Fault("request " + std::to_string(flight_) + " was dropped without an answer");
         flight->cleared = true;
         // What still comes of its answer is nobody's, and may be taken together with what stands inside.
+        // So may a report that was read with it.
         residue_ = true;
+        for (const int serial : last_read_)
+            reports_[serial].loose = true;
         for (const Item& item : items_)
             if (item.owner == Item::answer && item.serial == flight_)
                 for (const int serial : item.reports_inside)

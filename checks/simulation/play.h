@@ -126,6 +126,7 @@ class World {
     bool plugged_ = true;
     std::deque<Bytes> port_;
     std::vector<Bytes> just_read_;
+    std::vector<int> last_read_;  // the reports in it
 };
 
 extern World* g_world;
