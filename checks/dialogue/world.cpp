@@ -90,10 +90,18 @@ void Modem::Unplug() {
     unlink(kDevice);
 }
 
+void Modem::StopReading() {
+    deaf_ = true;
+}
+
 void Modem::Run() {
     std::string line;
     while (!stop_) {
         pollfd wait{master_, POLLIN, 0};
+        if (deaf_) {
+            usleep(1000);
+            continue;
+        }
         if (poll(&wait, 1, 1) <= 0) continue;
         char buffer[4096];
         const ssize_t got = read(master_, buffer, sizeof buffer);
@@ -234,11 +242,21 @@ int ServerQueue() {
     return msgget(AT_MODULE_SERVER, 0);
 }
 
-void SendRaw(const std::string& bytes, long message_type) {
+static bool SendTo(int queue, const std::string& bytes, long message_type, int flags) {
     Wire wire;
     wire.type = message_type;
     memcpy(wire.body, bytes.data(), bytes.size());
-    Require(msgsnd(ServerQueue(), &wire, bytes.size(), 0) == 0, "msgsnd");
+    return msgsnd(queue, &wire, bytes.size(), flags) == 0;
+}
+
+void SendRaw(const std::string& bytes, long message_type) {
+    Require(SendTo(ServerQueue(), bytes, message_type, 0), "msgsnd");
+}
+
+bool TrySendRaw(const std::string& bytes, long message_type) {
+    const bool sent = SendTo(ServerQueue(), bytes, message_type, IPC_NOWAIT);
+    Require(sent || errno == EAGAIN, "msgsnd");
+    return sent;
 }
 
 Module::Module(uint16_t id) : id_(id) {

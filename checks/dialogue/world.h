@@ -38,7 +38,8 @@ class Modem {
     std::string Bytes() const;               // everything received, as it came
     void ForgetLines();
     bool WaitForLine(const std::string& line, double seconds = 5) const;
-    void Unplug();  // the pty is closed, the link goes
+    void StopReading();  // for good: what is written to the port stays in it
+    void Unplug();       // the pty is closed, the link goes
 
   private:
     void Run();
@@ -50,6 +51,7 @@ class Modem {
     std::string bytes_;
     int master_ = -1;
     int slave_ = -1;
+    std::atomic<bool> deaf_{false};
     std::atomic<bool> stop_{false};
     std::thread thread_;
 };
@@ -124,8 +126,10 @@ class Module {
     int queue_;
 };
 
-// Puts bytes on the server's queue as they are, in a message of their size.
+// Puts bytes on the server's queue as they are, in a message of their size; waits while it is full.
 void SendRaw(const std::string& bytes, long message_type = 7);
+// The same without waiting: false when the queue is full.
+bool TrySendRaw(const std::string& bytes, long message_type = 7);
 int ServerQueue();  // id, -1 while there is none
 
 std::string I32(std::initializer_list<int32_t> values);  // records of integers

@@ -113,8 +113,14 @@ if ((EUID == 0)); then
     private root-without-sys_admin setpriv --inh-caps=-all --ambient-caps=-all --bounding-set=-sys_admin
 fi
 
-out=$("$sandbox" -- sh -c 'touch /usr/x /var/x scripts/x 2>&1 | grep -c .; ls -A /tmp /run; echo $HOME')
-report "the machine is read-only, /tmp and /run are empty" $'3\n/run:\n\n/tmp:\n/tmp' "$out"
+# A repository that lies in one of the two is the only thing there.
+held_in() {
+    local rest=${repository#"$1"/}
+    [[ $rest == "$repository" ]] || echo "${rest%%/*}"
+}
+out=$("$sandbox" -- sh -c 'touch /usr/x /var/x scripts/x 2>&1 | grep -c .; ls -A /tmp; ls -A /run; echo $HOME')
+report "the machine is read-only, /tmp and /run are empty" \
+    "$(echo 3; held_in /tmp; held_in /run; echo /tmp)" "$out"
 
 "$sandbox" --rw "$work/out" --ro "$work/in" -- sh -c "echo written >$work/out/file; touch $work/in/file" 2>/dev/null
 report "--ro cannot be written" 1 "$?"
