@@ -99,4 +99,20 @@ TEST(Startup, WaitsForAModemThatComesLateAndGivesItTime) {
     EXPECT_EQ(module.Exchange(0x0604, AT_CMD_TYPE_EXEC).I32(0), 20);
 }
 
+// A suite of its own, because it takes the 50 seconds that it is about.
+TEST(AbsentModem, EndsTheDaemonAfter101Attempts) {
+    LogCollector log;
+    Daemon daemon;
+    EXPECT_EQ(daemon.WaitForExit(90), 255);
+    EXPECT_EQ(log.Count("Open serial port error! "), 101);
+    EXPECT_EQ(log.Count("[error]:No.0 Open serial port error! "), 1);
+    EXPECT_EQ(log.Count("[error]:No.100 Open serial port error! "), 1);
+    EXPECT_EQ(log.Count("May be modem no inserted, exit now......"), 1);
+    EXPECT_EQ(log.Count("Init failure! Reset modem from usb host! "), 1);
+    EXPECT_EQ(log.Count("Open serial port failed!"), 1);
+    EXPECT_EQ(Config("usb_reset"), "activated");
+    EXPECT_EQ(Config("port_stat"), "port_close");
+    EXPECT_EQ(ServerQueue(), -1);
+}
+
 }  // namespace
