@@ -6,12 +6,13 @@
 
 // The slot. `full` says who may touch the rest: the request thread while it is 0, the response thread while
 // it is 1.
-static struct {
+struct Slot {
     std::atomic<uint32_t> full;
     bool has_line;
     MSG_BUF request;
     char line[kLineSize];
-} g_slot;
+};
+static constinit Slot g_slot{};
 
 bool HandoverPut(const MSG_BUF& request, const char* line) {
     if (g_slot.full.load(std::memory_order_acquire) != 0) return false;

@@ -17,6 +17,7 @@ constexpr const char* kReportNames[] = {
 constexpr const char* kSendableReportNames[] = {"+CREG", "+CGREG", "+CEREG", "+ZEMCI"};
 
 bool BeginsWith(const ModemLine& line, const char* text) {
+    // A line that was read always has a beginning. NOLINTNEXTLINE(clang-analyzer-core.NonNullParamChecker)
     return strncmp(line.begin, text, strlen(text)) == 0;
 }
 
