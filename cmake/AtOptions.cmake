@@ -18,6 +18,10 @@ if(AT_SANITIZE)
   target_link_options(at_options INTERFACE -fsanitize=${AT_SANITIZE})
 endif()
 
+# at_version: AT_VERSION, the project's version as a text. Programs print it for --version.
+add_library(at_version INTERFACE)
+target_compile_definitions(at_version INTERFACE AT_VERSION="${PROJECT_VERSION}")
+
 add_library(at_freestanding INTERFACE)
 target_compile_options(at_freestanding INTERFACE
   $<$<COMPILE_LANGUAGE:CXX>:-fno-exceptions -fno-rtti -fno-threadsafe-statics>)

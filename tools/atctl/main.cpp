@@ -107,7 +107,7 @@ void CheckSubcommand(const CLI::App& app, int argc, char** argv) {
 
 int Run(int argc, char** argv) {
     CLI::App app(kAbout, "atctl");
-    app.set_version_flag("--version", std::string("atctl " ATCTL_VERSION));
+    app.set_version_flag("--version", std::string("atctl " AT_VERSION));
     app.require_subcommand(1);
     app.get_formatter()->column_width(28);
 

@@ -186,7 +186,7 @@ int Start(const Options& options) {
 int main(int argc, char** argv) {
     Options options;
     CLI::App app{"A modem on a pty that answers AT commands as a scenario file says (see docs/modemsim.md)."};
-    app.set_version_flag("--version", "modemsim " MODEMSIM_VERSION);
+    app.set_version_flag("--version", "modemsim " AT_VERSION);
     app.add_option("SCENARIO", options.scenario, "A file, or the name of a shipped scenario")
         ->capture_default_str();
     app.add_option("--link", options.link, "Where the modem's port is linked")->capture_default_str();
