@@ -40,14 +40,15 @@ ENCODE_VECTOR(0x0303, Cgdcont, SetWithNameAndAddress) {
             std::string(33, 'p') + "\",2147483647,-1");
 }
 ENCODE_VECTOR(0x0303, Cgdcont, SetWithANameOnly) {
-    ExpectPrints(0x0303, Context(1, "IPV6", "internet", "", 2, 3), "1,\"IPV6\",\"internet\",,2,3");
+    ExpectPrints(0x0303, Context(11, "IPV6", "internet", "", 22, -33), "11,\"IPV6\",\"internet\",,22,-33");
 }
 ENCODE_VECTOR(0x0303, Cgdcont, SetWithAnAddressOnly) {
-    ExpectPrints(0x0303, Context(1, "IP", "", "10.0.0.1", 2, 3), "1,\"IP\",,\"10.0.0.1\",2,3");
+    ExpectPrints(0x0303, Context(12, "IP", "", "10.0.0.1", 23, -34), "12,\"IP\",,\"10.0.0.1\",23,-34");
 }
 ENCODE_VECTOR(0x0303, Cgdcont, SetWithNeither) {
     ExpectPrints(0x0303, Context(1, "IP", "", "", 0, 0), "1,\"IP\",,,0,0");
     ExpectPrints(0x0303, Context(0, "", "", "", 0, 0), "0,\"\",,,0,0");
+    ExpectPrints(0x0303, Context(13, "IP", "", "", 24, -35), "13,\"IP\",,,24,-35");
 }
 DECODE_VECTOR(0x0303, Cgdcont, SetHasNoParameters) {
     ExpectNoParameters(0x0303, SET);
