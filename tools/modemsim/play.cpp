@@ -1,9 +1,6 @@
 // modemsim play: a modem on a pty that answers as a scenario says.
 
 #include <poll.h>
-#include <signal.h>
-#include <sys/signalfd.h>
-#include <time.h>
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
@@ -17,6 +14,7 @@
 #include "tools/modemsim/engine.h"
 #include "tools/modemsim/find.h"
 #include "tools/modemsim/pty.h"
+#include "tools/modemsim/running.h"
 #include "tools/modemsim/scenario.h"
 #include "tools/modemsim/trace.h"
 
@@ -33,21 +31,6 @@ struct Options {
     bool list = false;
 };
 
-Time Clock() {
-    timespec now = {};
-    clock_gettime(CLOCK_MONOTONIC, &now);
-    return std::chrono::seconds(now.tv_sec) + Time(now.tv_nsec / 1000);
-}
-
-// Tells whoever waits that the link stands.
-bool SayReady(const Options& options) {
-    const std::string line = "ready " + options.link + "\n";
-    if (options.ready_fd < 0) return std::fputs(line.c_str(), stdout) >= 0 && std::fflush(stdout) == 0;
-    const bool ok = write(options.ready_fd, line.data(), line.size()) == static_cast<ssize_t>(line.size());
-    close(options.ready_fd);
-    return ok;
-}
-
 class Simulator {
   public:
     Simulator(Scenario scenario, Trace& trace)
@@ -58,12 +41,12 @@ class Simulator {
     int Run(int master, int signals);
 
   private:
-    Time Now() const { return Clock() - start_; }
+    Time Now() const { return MonotonicTime() - start_; }
     int WaitTime() const;
     bool Read(int master);
     bool Write(int master);
 
-    const Time start_ = Clock();
+    const Time start_ = MonotonicTime();
     Trace& trace_;
     Engine engine_;
     std::string out_;  // taken from the engine, not yet taken by the pty
@@ -156,22 +139,14 @@ int Start(const Options& options) {
     if (!options.log.empty() && !trace.Open(options.log))
         return Complain(options.log + ": " + std::strerror(errno));
 
-    // From before the link stands, so that no signal can leave it behind.
-    sigset_t ending;
-    sigemptyset(&ending);
-    for (const int number : {SIGINT, SIGTERM, SIGHUP})
-        sigaddset(&ending, number);
-    sigprocmask(SIG_BLOCK, &ending, nullptr);
-    signal(SIGPIPE, SIG_IGN);
-    const int signals = signalfd(-1, &ending, SFD_CLOEXEC | SFD_NONBLOCK);
-    if (signals < 0) return Complain(std::string("cannot wait for signals: ") + std::strerror(errno));
+    std::string reason;
+    const int signals = BlockEndingSignals(reason);
+    if (signals < 0) return Complain(reason);
 
     ModemPort port;
-    std::string reason;
     if (!port.Open(options.link, reason)) return Complain(reason);
     Simulator simulator(std::move(parsed.scenario), trace);
-    if (!SayReady(options))
-        return Complain(std::string("cannot say that the modem is ready: ") + std::strerror(errno));
+    if (!SayReady(options.link, options.ready_fd, reason)) return Complain(reason);
     const int status = simulator.Run(port.Master(), signals);
     if (status != 0) Complain(std::string("the pty failed: ") + std::strerror(errno));
     return status;
