@@ -187,17 +187,6 @@ Json FieldsJson(const Record& record, const Row* request_of) {
     return fields;
 }
 
-Json RecordJson(const Record& record, const Row* request_of) {
-    Json json = {{"record", record.name}, {"size", record.size}, {"fields", FieldsJson(record, request_of)}};
-    if (record.entry != nullptr)
-        json["entries"] = {{"record", record.entry->name},
-                           {"offset", record.entry_offset},
-                           {"count", record.entry_count},
-                           {"size", record.entry->size},
-                           {"fields", FieldsJson(*record.entry, nullptr)}};
-    return json;
-}
-
 Json TypesJson(const Row& row) {
     Json types = Json::object();
     for (const uint8_t type : kTypes) {
@@ -223,6 +212,17 @@ Json HeadJson(const Row& row) {
 }
 
 }  // namespace
+
+Json RecordJson(const Record& record, const Row* request_of) {
+    Json json = {{"record", record.name}, {"size", record.size}, {"fields", FieldsJson(record, request_of)}};
+    if (record.entry != nullptr)
+        json["entries"] = {{"record", record.entry->name},
+                           {"offset", record.entry_offset},
+                           {"count", record.entry_count},
+                           {"size", record.entry->size},
+                           {"fields", FieldsJson(*record.entry, nullptr)}};
+    return json;
+}
 
 void PrintList(std::ostream& out, const Paint& paint) {
     // Names and titles that do not fit their columns stand in a line of their own.

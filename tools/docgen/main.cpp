@@ -1,16 +1,21 @@
+#include <algorithm>
 #include <cstdio>
 #include <fstream>
 #include <iostream>
+#include <iterator>
 #include <nlohmann/json.hpp>
 #include <sstream>
 #include <string>
 #include <string_view>
 
+#include "reports/report_catalog.h"
 #include "tools/atctl/describe.h"
 #include "tools/atctl/find_command.h"
+#include "tools/atctl/module_name.h"
 #include "tools/atctl/text.h"
 
-// Writes the reference of all commands, which is what `atctl show --json` tells of each, as Markdown.
+// Writes the references as Markdown: of all commands, which is what `atctl show --json` tells of each, and of
+// all reports, which is what the server's catalogue of them says.
 
 using Json = nlohmann::ordered_json;
 
@@ -95,9 +100,10 @@ void Command(std::ostream& out, const Row& row) {
     }
 }
 
-void Reference(std::ostream& out) {
+void CommandReference(std::ostream& out) {
     out << "# Commands\n\n"
-           "Generated from the rows of the command table; `docgen docs/commands.md` writes it anew.\n\n"
+           "Generated from the rows of the command table; `docgen commands docs/commands.md` writes it "
+           "anew.\n\n"
            "Integers are in host byte order. A text ends with a NUL, bytes may fill their array. An empty "
            "text or "
            "a zero\nmeans \"not given\". A form that is not named takes nothing and is answered with the "
@@ -111,25 +117,78 @@ void Reference(std::ostream& out) {
         Command(out, row);
 }
 
+std::string NameOfType(uint8_t type) {
+    switch (type) {
+        case AT_CMD_TYPE_EXEC:
+            return "execute";
+        case AT_CMD_TYPE_SET:
+            return "set";
+        default:
+            return "";
+    }
+}
+
+void OneReport(std::ostream& out, const ReportInfo& report) {
+    const std::string type = NameOfType(report.type);
+    out << "\n### `" << report.name << "` " << report.title << "\n\nCommand " << HexNumber(report.id)
+        << ", type " << int{report.type} << (type.empty() ? "" : " (" + type + ")") << ". ";
+    if (report.record == nullptr) {
+        out << "Text.\n";
+        return;
+    }
+    const Json record = RecordJson(*report.record, nullptr);
+    out << "`" << record["record"].get<std::string>() << "`, " << Bytes(record["size"]);
+    if (report.file != nullptr) out << ", in the file `" << report.file << "`";
+    out << ".\n";
+    RecordOf(out, record, false);
+}
+
+void ReportReference(std::ostream& out) {
+    out << "# Reports\n\n"
+           "Generated from the catalogue of reports; `docgen reports docs/reports.md` writes it anew.\n\n"
+           "What the modem says without being asked goes to the queue of one module. Such a message looks "
+           "like "
+           "an answer that\nnobody asked for: message type 1, `usDataLen` 518, result 1 (11 when USSD "
+           "failed), "
+           "command and type as listed here.\nIntegers are in host byte order, a text ends with a NUL. Where "
+           "no record is named, `aucParas` is text of\n`usParaLen` characters, as the modem said it; that of "
+           "`+CLIP` is the number alone.\n\n"
+           "A module that has no queue misses its reports: each is dropped with a line in the log. `atctl "
+           "monitor` shows them in\nplace of the modules.\n";
+    for (const ModuleName& module : ReportedModules()) {
+        out << "\n## To the module `" << module.name << "`, queue " << HexNumber(module.id) << "\n";
+        for (const ReportInfo* report : kReports)
+            if (report->module == module.id) OneReport(out, *report);
+    }
+}
+
+struct Page {
+    std::string_view name;
+    void (*write)(std::ostream& out);
+};
+constexpr Page kPages[] = {{"commands", CommandReference}, {"reports", ReportReference}};
+
 }  // namespace
 
 int main(int argc, char** argv) {
-    const std::string option = argc > 1 ? argv[1] : "";
-    const bool check = option == "--check";
-    if (argc != (check ? 3 : 2) || (!check && option.starts_with("-"))) {
-        std::cerr << "Usage: docgen FILE          writes the command reference\n"
-                     "       docgen --check FILE  ends with 1 when it is not what would be written\n";
+    const bool check = argc == 4 && std::string_view(argv[1]) == "--check";
+    const std::string_view name = argc > 2 ? argv[check ? 2 : 1] : "";
+    const auto* const page = std::ranges::find(kPages, name, &Page::name);
+    if (argc != (check ? 4 : 3) || page == std::end(kPages)) {
+        std::cerr << "Usage: docgen PAGE FILE          writes a reference; PAGE is commands or reports\n"
+                     "       docgen --check PAGE FILE  ends with 1 when FILE is not what would be written\n";
         return 2;
     }
     const char* const path = argv[argc - 1];
     std::ostringstream made;
-    Reference(made);
+    page->write(made);
     if (check) {
         std::ifstream file(path, std::ios::binary);
         std::ostringstream there;
         there << file.rdbuf();
         if (there.str() == made.str()) return 0;
-        std::cerr << "docgen: " << path << " is out of date; docgen " << path << " writes it anew\n";
+        std::cerr << "docgen: " << path << " is out of date; docgen " << name << " " << path
+                  << " writes it anew\n";
         return 1;
     }
     std::ofstream file(path, std::ios::binary);
