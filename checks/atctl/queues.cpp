@@ -256,12 +256,12 @@ TEST(QueueClient, ADialsAnswerMayComeWithTheTypeOfReports) {
     QueueClient client({key, nullptr});
     ASSERT_EQ(client.Open(std::nullopt), Status::ok);
     const Bytes number = Text("5550123", 7);
-    ASSERT_EQ(client.Send({0x0401, AT_CMD_TYPE_EXEC, number, true}, milliseconds(0)), Status::ok);
+    ASSERT_EQ(client.Send({0x0401, AT_CMD_TYPE_EXEC, number}, milliseconds(0)), Status::ok);
     MSG_BUF answer;
     ASSERT_EQ(client.Receive(milliseconds(5000), answer), Status::ok);
     EXPECT_EQ(client.Dropped(), 2U);
     // To any other command, such a message is no answer.
-    ASSERT_EQ(client.Send({0x0401, AT_CMD_TYPE_EXEC, number, false}, milliseconds(0)), Status::ok);
+    ASSERT_EQ(client.Send({0x0404, AT_CMD_TYPE_EXEC, {}}, milliseconds(0)), Status::ok);
     EXPECT_EQ(client.Receive(milliseconds(50), answer), Status::timed_out);
     EXPECT_EQ(client.Dropped(), 5U);
 }

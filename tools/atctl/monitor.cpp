@@ -13,7 +13,6 @@
 #include <fstream>
 #include <nlohmann/json.hpp>
 
-#include "records/queue.h"
 #include "tools/atctl/misuse.h"
 #include "tools/atctl/module_name.h"
 #include "tools/atctl/report_line.h"
@@ -124,19 +123,17 @@ class Monitoring {
     }
 
     bool Take(const ModuleQueues::Queue& queue) {
-        QueueMessage wire;
-        const ssize_t got = msgrcv(queue.id, &wire, sizeof wire.body, 0, IPC_NOWAIT | MSG_NOERROR);
-        if (got < 0) {
-            if (errno == ENOMSG || errno == EINTR) return false;
-            const std::string module = NameOfModule(queue.module);
-            if (errno == EIDRM || errno == EINVAL)
-                throw Misuse("somebody removed the queue of module " + module);
+        at_client_message message;
+        const at_client_error error = at_client_next_report(queue.get(), &message, 0);
+        if (error == AT_CLIENT_TIMED_OUT) return false;
+        const std::string module = NameOfModule(at_client_module(queue.get()));
+        if (error == AT_CLIENT_QUEUE_GONE) throw Misuse("somebody removed the queue of module " + module);
+        if (error != AT_CLIENT_OK)
             throw Misuse("the queue of module " + module + " cannot be read: " + strerror(errno));
-        }
         timespec now = {};
         clock_gettime(CLOCK_REALTIME, &now);
         const Arrival arrival = ReadArrival(
-            now, queue.module, wire.mtype, {wire.body, static_cast<size_t>(got)},
+            now, at_client_module(queue.get()), message.type, {message.body, message.length},
             [this](const char* path, size_t size) { return ReadAnswerFile(path, size, started_); });
         if (options_.json)
             streams_.out << ArrivalJson(arrival).dump() << std::endl;
@@ -172,23 +169,20 @@ class Monitoring {
 
 void ModuleQueues::Open(const std::vector<uint16_t>& modules) {
     for (const uint16_t module : modules) {
-        const int id = msgget(module, IPC_CREAT | IPC_EXCL | 0600);
-        if (id >= 0) {
-            queues_.push_back({module, id});
-            continue;
-        }
-        const int error = errno;
-        Close();
-        if (error == EEXIST) throw Misuse(WhoseQueue(module));
-        throw Misuse("no message queue can be made for module " + NameOfModule(module) + ": " +
-                     strerror(error));
+        at_client_options options = {};
+        options.module = module;
+        options.queue = AT_CLIENT_QUEUE_NEW;
+        options.flags = AT_CLIENT_TAKE_ALL;
+        at_client* client = nullptr;
+        const at_client_error error = at_client_open(&options, &client);
+        const int reason = errno;
+        if (error != AT_CLIENT_OK) queues_.clear();
+        if (error == AT_CLIENT_QUEUE_TAKEN) throw Misuse(WhoseQueue(module));
+        if (error != AT_CLIENT_OK)
+            throw Misuse("no message queue can be made for module " + NameOfModule(module) + ": " +
+                         strerror(reason));
+        queues_.emplace_back(client);
     }
-}
-
-void ModuleQueues::Close() {
-    for (const Queue& queue : queues_)
-        msgctl(queue.id, IPC_RMID, nullptr);
-    queues_.clear();
 }
 
 int Monitor(const MonitorOptions& options, const MonitorSetup& setup, const Streams& streams) {

@@ -1,9 +1,11 @@
 #ifndef AT_TOOLS_ATCTL_MONITOR_H
 #define AT_TOOLS_ATCTL_MONITOR_H
 
+#include <memory>
 #include <string>
 #include <vector>
 
+#include "client/at_client.h"
 #include "tools/atctl/send.h"
 
 // `atctl monitor`: in the place of modules, takes what the server reports to them and prints it.
@@ -18,19 +20,13 @@ struct MonitorOptions {
 // Queues of modules, made at Open and removed at the end. Nothing of anybody else's is touched.
 class ModuleQueues {
   public:
-    ModuleQueues() = default;
-    ~ModuleQueues() { Close(); }
-    ModuleQueues(const ModuleQueues&) = delete;
-    ModuleQueues& operator=(const ModuleQueues&) = delete;
-
     // All or none: Misuse says whose queue is in the way.
     void Open(const std::vector<uint16_t>& modules);
-    void Close();
 
-    struct Queue {
-        uint16_t module;
-        int id;
+    struct Closer {
+        void operator()(at_client* client) const { at_client_close(client); }
     };
+    using Queue = std::unique_ptr<at_client, Closer>;
     const std::vector<Queue>& All() const { return queues_; }
 
   private:

@@ -5,13 +5,16 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
+#include <memory>
 #include <optional>
 #include <span>
 
-#include "records/message.h"
+#include "client/at_client.h"
 
-// A module for the time of a few requests: a queue of its own, made at Open and removed at Close, requests to
-// the server's queue, answers from its own. Nothing blocks for longer than the caller says.
+// A module for the time of a few requests, on the client library: a queue of its own, made at Open and
+// removed at Close, requests to the server's queue, answers from its own. Nothing blocks for longer than the
+// caller says.
 class QueueClient {
   public:
     enum class Status {
@@ -27,19 +30,16 @@ class QueueClient {
     };
 
     // Module ids of programs that ask for none: none of the router's is among them.
-    static constexpr uint16_t kFirstModule = 0x6000;
-    static constexpr uint16_t kModules = 0x2000;
+    static constexpr uint16_t kFirstModule = AT_CLIENT_FIRST_ANY;
+    static constexpr uint16_t kModules = AT_CLIENT_LAST_ANY - AT_CLIENT_FIRST_ANY + 1;
 
     struct Setup {
         key_t server_key = AT_MODULE_SERVER;
-        bool (*stop)() = nullptr;  // asked while waiting; a signal that ends a sleep makes it at once
+        bool (*stop)() = nullptr;  // asked while waiting, every 20 ms
     };
 
     QueueClient() = default;
     explicit QueueClient(const Setup& setup) : setup_(setup) {}
-    ~QueueClient() { Close(); }
-    QueueClient(const QueueClient&) = delete;
-    QueueClient& operator=(const QueueClient&) = delete;
 
     // Finds the server's queue and makes one's own, for this module or, without one, for the first that is
     // free from a place on that the process id says.
@@ -50,8 +50,6 @@ class QueueClient {
         uint16_t cmd_id;
         uint8_t type;                    // AT_CMD_TYPE_...
         std::span<const uint8_t> paras;  // exactly the command's record
-        // The server keeps nothing of a dial but whom to tell, so its answer may come with the reports' type.
-        bool dial = false;
     };
 
     // Sends a request with a message type of its own. Waits at most `patience` while the server's queue is
@@ -62,8 +60,8 @@ class QueueClient {
     Status Receive(std::chrono::milliseconds patience, MSG_BUF& answer);
 
     uint16_t Module() const { return module_; }
-    const MSG_BUF& LastRequest() const { return request_; }
-    unsigned Dropped() const { return dropped_; }
+    int32_t MessageType() const { return request_; }  // of the last request
+    unsigned Dropped() const;
     int Error() const { return error_; }  // errno of the call that failed
 
     // How the server is doing, for the case that no answer came.
@@ -75,18 +73,20 @@ class QueueClient {
     ServerState LookAtServer() const;
 
   private:
-    // Sleeps a little, more each round; Status::ok when the wait goes on.
-    Status Pause(std::chrono::steady_clock::time_point end, std::chrono::microseconds& nap);
-    Status Fail(int error, Status otherwise);
-    bool Answers(long type, const MSG_BUF& message) const;
+    // Calls it with the patience in small pieces, until it says something else than `again`, the patience is
+    // over or the stop function says so.
+    Status InPieces(std::chrono::milliseconds patience, at_client_error again,
+                    const std::function<at_client_error(int timeout_ms)>& call);
+    Status Told(at_client_error error);
+
+    struct Closer {
+        void operator()(at_client* client) const { at_client_close(client); }
+    };
 
     Setup setup_;
-    int server_ = -1;
-    int own_ = -1;
+    std::unique_ptr<at_client, Closer> client_;
     uint16_t module_ = 0;
-    MSG_BUF request_ = {};
-    bool dial_ = false;
-    unsigned dropped_ = 0;
+    int32_t request_ = 0;
     int error_ = 0;
 };
 

@@ -84,7 +84,7 @@ void ShowRequest(std::ostream& err, const QueueClient& client, const Call& call,
                  std::span<const uint8_t> paras) {
     err << "request  " << name << "  id " << HexNumber(call.row->id) << ", type " << unsigned{call.type}
         << ", " << Number(paras.size(), "byte", "bytes") << " of parameters, from module "
-        << HexNumber(client.Module()) << ", message type " << client.LastRequest().lMsgType << '\n';
+        << HexNumber(client.Module()) << ", message type " << client.MessageType() << '\n';
     if (const Record* record = RequestRecord(*call.row, call.type))
         PrintFields(err, DecodeFields(*record, paras));
     PrintHex(err, paras);
@@ -121,8 +121,7 @@ int Send(const SendOptions& options, const QueueClient::Setup& setup, const Stre
     timespec asked_at = {};
     clock_gettime(CLOCK_REALTIME_COARSE, &asked_at);
     const auto started = std::chrono::steady_clock::now();
-    status =
-        client.Send({call.row->id, call.type, paras, TakesNumber(*call.row, call.type)}, kFullQueuePatience);
+    status = client.Send({call.row->id, call.type, paras}, kFullQueuePatience);
     if (status == Status::stopped) return kExitNotSent;
     if (status != Status::ok) throw Misuse(SendFault(client, status));
     if (options.verbose) ShowRequest(streams.err, client, call, name, paras);
