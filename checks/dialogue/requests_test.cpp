@@ -7,6 +7,7 @@
 #include <cstring>
 #include <memory>
 
+#include "checks/dialogue/target.h"
 #include "checks/dialogue/world.h"
 #include "platform/platform.h"
 
@@ -300,8 +301,7 @@ TEST_F(Requests, ModuleIdZeroHasNoQueue) {
 TEST_F(Requests, ModuleWithoutAQueueLosesItsAnswerOnly) {
     Module module(0x1234);
     std::string bytes = module.Request(0x0604, kExec);
-    const uint16_t nobody = 0x4321;
-    memcpy(bytes.data() + 2, &nobody, sizeof nobody);
+    PutInteger<uint16_t>(bytes, 2, 0x4321);
     SendRaw(bytes);
     EXPECT_TRUE(Log().WaitFor("send_msg_buf ::get target msg id 0x4321 failed!"));
     ExpectStillServing();

@@ -17,7 +17,7 @@
 #include <chrono>
 #include <stdexcept>
 
-#include "platform/platform.h"
+#include "checks/dialogue/target.h"
 
 namespace {
 
@@ -28,18 +28,6 @@ struct Wire {
     long type;
     char body[8192];
 };
-
-template <typename T>
-T Get(const std::string& bytes, size_t offset) {
-    T value;
-    memcpy(&value, bytes.data() + offset, sizeof value);
-    return value;
-}
-
-template <typename T>
-void Put(std::string& bytes, size_t offset, T value) {
-    memcpy(bytes.data() + offset, &value, sizeof value);
-}
 
 void Require(bool good, const char* what) {
     if (!good) throw std::runtime_error(std::string(what) + ": " + strerror(errno));
@@ -232,7 +220,7 @@ bool LogCollector::WaitFor(const std::string& part, double seconds, int count) c
 }
 
 int32_t Received::I32(size_t offset) const {
-    return Get<int32_t>(paras, offset);
+    return GetInteger<int32_t>(paras, offset);
 }
 std::string Received::Text(size_t offset) const {
     return std::string(paras.c_str() + offset);
@@ -273,13 +261,13 @@ Module::~Module() {
 std::string Module::Request(uint16_t cmd, uint8_t type, const std::string& record) const {
     // Offsets count from behind the message type.
     std::string bytes(AT_WIRE_SIZE, '\0');
-    Put<uint16_t>(bytes, 0, AT_MODULE_SERVER);
-    Put<uint16_t>(bytes, 2, id_);
-    Put<uint16_t>(bytes, 8, cmd);
-    Put<uint8_t>(bytes, 10, type);
-    Put<uint16_t>(bytes, 14, static_cast<uint16_t>(record.size()));
+    PutInteger<uint16_t>(bytes, 0, AT_MODULE_SERVER);
+    PutInteger<uint16_t>(bytes, 2, id_);
+    PutInteger<uint16_t>(bytes, 8, cmd);
+    PutInteger<uint8_t>(bytes, 10, type);
+    PutInteger<uint16_t>(bytes, 14, static_cast<uint16_t>(record.size()));
     memcpy(bytes.data() + 16, record.data(), record.size());
-    Put<uint32_t>(bytes, 648, AT_MESSAGE_MAGIC);
+    PutInteger<uint32_t>(bytes, 648, AT_MESSAGE_MAGIC);
     return bytes;
 }
 
@@ -295,16 +283,16 @@ bool Module::Receive(Received& received, double seconds) const {
     const std::string bytes(wire.body, AT_WIRE_SIZE);
     if (got != AT_WIRE_SIZE) throw std::runtime_error("a message of the wrong size arrived");
     received.type = wire.type;
-    received.target = Get<uint16_t>(bytes, 0);
-    received.source = Get<uint16_t>(bytes, 2);
-    received.command = Get<uint16_t>(bytes, 4);
-    received.data_len = Get<uint16_t>(bytes, 6);
-    received.id = Get<uint16_t>(bytes, 8);
-    received.cmd_type = Get<uint8_t>(bytes, 10);
-    received.result = Get<uint8_t>(bytes, 11);
-    received.para_len = Get<uint16_t>(bytes, 12);
+    received.target = GetInteger<uint16_t>(bytes, 0);
+    received.source = GetInteger<uint16_t>(bytes, 2);
+    received.command = GetInteger<uint16_t>(bytes, 4);
+    received.data_len = GetInteger<uint16_t>(bytes, 6);
+    received.id = GetInteger<uint16_t>(bytes, 8);
+    received.cmd_type = GetInteger<uint8_t>(bytes, 10);
+    received.result = GetInteger<uint8_t>(bytes, 11);
+    received.para_len = GetInteger<uint16_t>(bytes, 12);
     received.paras = bytes.substr(14, AT_RESPONSE_PARAS_SIZE);
-    received.magic = Get<uint32_t>(bytes, 648);
+    received.magic = GetInteger<uint32_t>(bytes, 648);
     return true;
 }
 
@@ -319,8 +307,10 @@ Received Module::Exchange(uint16_t cmd, uint8_t type, const std::string& record,
 
 std::string I32(std::initializer_list<int32_t> values) {
     std::string bytes;
-    for (int32_t value : values)
-        bytes.append(reinterpret_cast<const char*>(&value), sizeof value);
+    for (int32_t value : values) {
+        bytes.resize(bytes.size() + sizeof value);
+        PutInteger(bytes, bytes.size() - sizeof value, value);
+    }
     return bytes;
 }
 
@@ -336,12 +326,15 @@ Daemon::Daemon() {
 
 void Daemon::Start() {
     status_ = -1;
-    const char* program = getenv("AT_SERVER");
-    if (program == nullptr) throw std::runtime_error("AT_SERVER names no daemon");
+    std::vector<std::string> words = TargetCommand("AT_SERVER");
+    std::vector<char*> argv;
+    for (std::string& word : words)
+        argv.push_back(word.data());
+    argv.push_back(nullptr);
     pid_ = fork();
     if (pid_ == 0) {
         setpgid(0, 0);
-        if (chdir("/") == 0) execl(program, program, static_cast<char*>(nullptr));
+        if (chdir("/") == 0) execvp(argv[0], argv.data());
         _exit(127);
     }
     Require(pid_ > 0, "fork");

@@ -135,7 +135,7 @@ int ServerQueue();  // id, -1 while there is none
 std::string I32(std::initializer_list<int32_t> values);  // records of integers
 std::string Text(const std::string& text, size_t size);  // zero-padded
 
-// The daemon under check, as a child process. Its path comes from the environment (AT_SERVER).
+// The daemon under check (see target.h), as a child process.
 class Daemon {
   public:
     Daemon();

@@ -1,0 +1,20 @@
+# Libraries that are headers alone, for every target: CLI11 and nlohmann/json. A cross build takes this machine's
+# headers, through a folder of links, since all of /usr/include would give it this machine's C library as well.
+if(NOT CMAKE_CROSSCOMPILING)
+  find_package(CLI11 REQUIRED)
+  find_package(nlohmann_json REQUIRED)
+  return()
+endif()
+
+set(links ${CMAKE_BINARY_DIR}/header_libraries)
+file(MAKE_DIRECTORY ${links})
+foreach(folder CLI nlohmann)
+  if(NOT IS_DIRECTORY /usr/include/${folder})
+    message(FATAL_ERROR "/usr/include/${folder} is missing: run scripts/setup, or configure with -DAT_BUILD_TOOLS=OFF")
+  endif()
+  file(CREATE_LINK /usr/include/${folder} ${links}/${folder} SYMBOLIC)
+endforeach()
+foreach(library CLI11::CLI11 nlohmann_json::nlohmann_json)
+  add_library(${library} INTERFACE IMPORTED GLOBAL)
+  target_include_directories(${library} SYSTEM INTERFACE ${links})
+endforeach()
