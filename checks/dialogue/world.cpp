@@ -45,6 +45,10 @@ bool WaitUntil(const std::function<bool()>& condition, double seconds) {
 }
 
 Modem::Modem(Answer answer) : answer_(std::move(answer)) {
+    Plug();
+}
+
+void Modem::Plug() {
     struct stat existing;
     if (lstat(kDevice, &existing) == 0) {
         if (!S_ISLNK(existing.st_mode))
@@ -53,6 +57,8 @@ Modem::Modem(Answer answer) : answer_(std::move(answer)) {
     }
     master_ = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
     Require(master_ >= 0 && unlockpt(master_) == 0, "pty");
+    // A daemon that does not read must not hold Say() for ever.
+    Require(fcntl(master_, F_SETFL, O_NONBLOCK) == 0, "pty");
     char name[64];
     Require(ptsname_r(master_, name, sizeof name) == 0, "ptsname");
     slave_ = open(name, O_RDWR | O_NOCTTY | O_CLOEXEC);
@@ -62,6 +68,8 @@ Modem::Modem(Answer answer) : answer_(std::move(answer)) {
     cfmakeraw(&raw);
     tcsetattr(slave_, TCSANOW, &raw);
     Require(symlink(name, kDevice) == 0, kDevice);
+    stop_ = false;
+    deaf_ = false;
     thread_ = std::thread([this] { Run(); });
 }
 
@@ -72,6 +80,7 @@ Modem::~Modem() {
 void Modem::Unplug() {
     stop_ = true;
     if (thread_.joinable()) thread_.join();
+    std::lock_guard<std::mutex> hold(saying_);
     if (slave_ >= 0) close(slave_);
     if (master_ >= 0) close(master_);
     slave_ = master_ = -1;
@@ -80,6 +89,10 @@ void Modem::Unplug() {
 
 void Modem::StopReading() {
     deaf_ = true;
+}
+
+void Modem::StartReading() {
+    deaf_ = false;
 }
 
 void Modem::Run() {
@@ -119,6 +132,10 @@ void Modem::Say(const std::string& text) {
     size_t sent = 0;
     while (sent < text.size() && !stop_) {
         const ssize_t count = write(master_, text.data() + sent, text.size() - sent);
+        if (count < 0 && errno == EAGAIN) {
+            usleep(500);
+            continue;
+        }
         if (count <= 0) break;
         sent += static_cast<size_t>(count);
     }

@@ -38,8 +38,10 @@ class Modem {
     std::string Bytes() const;               // everything received, as it came
     void ForgetLines();
     bool WaitForLine(const std::string& line, double seconds = 5) const;
-    void StopReading();  // for good: what is written to the port stays in it
-    void Unplug();       // the pty is closed, the link goes
+    void StopReading();   // what is written to the port stays in it
+    void StartReading();  // again; what waited is read first
+    void Unplug();        // the pty is closed, the link goes
+    void Plug();          // a new pty at the same link, as after Unplug()
 
   private:
     void Run();
@@ -70,7 +72,7 @@ class LogCollector {
         std::string module;
     };
     std::vector<Line> Lines() const;
-    void Forget();
+    void Forget();  // everything collected
     int Count(const std::string& part) const;
     bool WaitFor(const std::string& part, double seconds = 5, int count = 1) const;
 
