@@ -1,0 +1,93 @@
+#!/usr/bin/env bash
+# Installs into a directory of its own, moves that elsewhere, and has a module's project find it there by find_package
+# and by pkg-config, in C and in C++. Each module then asks a server in a sandbox.
+#   install_check.sh BUILD-DIRECTORY WORK-DIRECTORY      exit 77 where there can be no sandbox
+set -u
+root=$(cd -P -- "$(dirname -- "${BASH_SOURCE[0]}")/../.." && pwd -P)
+
+if [[ $1 = --inside ]]; then
+    prefix=$2
+    shift 2
+    "$prefix/bin/modemsim" default >/tmp/modemsim.out 2>&1 &
+    for ((i = 0; i < 150; ++i)); do [[ ! -L /dev/ttyUSB1 ]] || break; sleep 0.1; done
+    "$prefix/sbin/at-server" &
+    for ((i = 0; i < 15; ++i)); do "$prefix/bin/atctl" send AT --timeout 1 >/dev/null 2>&1 && break; done
+    for module; do echo "$(basename "$module"): $("$module" 2>&1)"; done
+    exit 0
+fi
+
+build=$1 work=$2
+"$root/scripts/sandbox" -- true || exit 77
+rm -rf "$work"
+mkdir -p "$work"
+failures=0
+check() {
+    local name=$1
+    shift
+    if "$@" >"$work/log" 2>&1; then
+        echo "ok      $name"
+    else
+        echo "FAILED  $name: $(tail -n 20 "$work/log")"
+        failures=$((failures + 1))
+    fi
+}
+
+# ---- each component alone, with what belongs to it
+# installed COMPONENT FILE...: installs it below $work/COMPONENT, where these files must be, among others.
+installed() {
+    local component=$1 file
+    shift
+    cmake --install "$build" --prefix "$work/$component" --component "$component" || return
+    for file; do [[ -s $work/$component/$file ]] || { echo "$file is missing"; return 1; }; done
+}
+check "component daemon" installed daemon sbin/at-server lib/systemd/system/at-server.service \
+    lib/sysusers.d/at-server.conf lib/tmpfiles.d/at-server.conf
+check "it runs from where it was installed" grep -qx "ExecStart=$work/daemon/sbin/at-server" \
+    "$work/daemon/lib/systemd/system/at-server.service"
+check "component tools" installed tools bin/atctl bin/modemsim bin/cfgctl share/at-server/scenarios/default.modem
+check "component development" installed development include/at-server/client/at_client.h \
+    include/at-server/records/message.h include/at-server/reports/report_records.h share/doc/at-server/commands.md
+same() { diff <(cd "$1" && find . -type f | sort) <(cd "$2" && find . -type f | sort); }
+merge() { cmake --install "$build" --prefix "$work/whole" && cp -r "$work/daemon/." "$work/tools/." "$work/development/." "$work/parts"; }
+mkdir "$work/parts"
+check "everything at once" merge
+check "the components are everything" same "$work/whole" "$work/parts"
+
+# ---- a module's project, after the installation was moved
+prefix=$work/elsewhere
+mv "$work/whole" "$prefix"
+strict="-Wall -Wextra -Werror -pedantic"
+by_cmake() {
+    cmake -S "$root/checks/packages/consumer" -B "$work/consumer" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" \
+        -DCMAKE_C_COMPILER="$CC" -DCMAKE_CXX_COMPILER="$CXX" -DCMAKE_C_FLAGS="$strict" -DCMAKE_CXX_FLAGS="$strict" &&
+        cmake --build "$work/consumer"
+}
+check "find_package" by_cmake
+too_new() {
+    sed 's/at-server 0.1/at-server 99.0/' "$root/checks/packages/consumer/CMakeLists.txt" >"$work/new/CMakeLists.txt"
+    ! cmake -S "$work/new" -B "$work/new/build" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" && grep -q 99.0 "$work/log"
+}
+mkdir "$work/new"
+check "find_package refuses another version" too_new
+
+pc=$(find "$prefix" -name at-server.pc -printf %h)
+config() { PKG_CONFIG_PATH=$pc pkg-config "$@" at-server; }
+by_pkg_config() {
+    # The flags are words.
+    # shellcheck disable=SC2046,SC2086
+    "$CC" -std=c11 $strict $(config --cflags) "$root/checks/packages/consumer/module.c" -o "$work/module_pc_c" \
+        $(config --libs) &&
+        "$CXX" -std=c++20 $strict $(config --cflags) "$root/checks/packages/consumer/module.cpp" -o "$work/module_pc_cpp" \
+            $(config --libs)
+}
+check "pkg-config" by_pkg_config
+check "pkg-config tells the version" test "$(config --modversion)" = "$("$prefix/bin/atctl" --version | sed 's/.* //')"
+
+# ---- what was built asks a server, all of it installed
+answers=$("$root/scripts/sandbox" -- "${BASH_SOURCE[0]}" --inside "$prefix" \
+    "$work"/consumer/module_{c,cpp} "$work"/module_pc_{c,cpp})
+# (The simulated modem's signal changes.)
+check "each module is answered" diff <(printf '%s: rssi N\n' module_c module_cpp module_pc_c module_pc_cpp) \
+    <(sed 's/ [1-9][0-9]*$/ N/' <<<"$answers")
+
+((failures == 0))
