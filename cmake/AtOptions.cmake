@@ -25,3 +25,10 @@ target_compile_definitions(at_version INTERFACE AT_VERSION="${PROJECT_VERSION}")
 add_library(at_freestanding INTERFACE)
 target_compile_options(at_freestanding INTERFACE
   $<$<COMPILE_LANGUAGE:CXX>:-fno-exceptions -fno-rtti -fno-threadsafe-statics>)
+
+# Links a program with the C driver, without the C++ library: the router has none. A macro, since CMake reads the
+# variable in the folder of the program.
+macro(at_link_with_c program)
+  set(CMAKE_CXX_IMPLICIT_LINK_LIBRARIES "")
+  set_target_properties(${program} PROPERTIES LINKER_LANGUAGE C)
+endmacro()

@@ -3,7 +3,7 @@
 #include <stdint.h>
 #include <string.h>
 
-#include <iterator>
+#include <array>  // std::size; <iterator> needs locales, which a small C library has none of
 
 #include "platform/log.h"
 #include "text/atpublic.h"

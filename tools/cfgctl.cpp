@@ -4,8 +4,6 @@
 #include <stdlib.h>
 #include <string.h>
 
-#include <string>
-
 #include "platform/host_store.h"
 
 namespace {
@@ -70,34 +68,58 @@ int Set(const char* key, const char* value) {
     return WriteStore(key, value) == StoreResult::kOk ? kDone : Unusable();
 }
 
+// A text that grows. Once the memory is used up it stays as it is and says so.
+struct Text {
+    char* bytes = nullptr;
+    size_t length = 0;
+    size_t room = 0;
+    bool whole = true;
+
+    void Append(const char* added, size_t count) {
+        if (room - length < count) {
+            const size_t wanted = 2 * (length + count);
+            char* grown = static_cast<char*>(realloc(bytes, wanted));
+            whole = whole && grown != nullptr;
+            if (!whole) return;
+            bytes = grown;
+            room = wanted;
+        }
+        memcpy(bytes + length, added, count);
+        length += count;
+    }
+};
+
 void AppendPair(const char* key, size_t key_length, const char* value, size_t value_length, void* arg) {
-    std::string& out = *static_cast<std::string*>(arg);
-    out.append(key, key_length) += '=';
+    Text& out = *static_cast<Text*>(arg);
+    out.Append(key, key_length);
+    out.Append("=", 1);
     for (size_t i = 0; i < value_length; ++i) {
         auto byte = static_cast<unsigned char>(value[i]);
-        if (byte >= ' ' && byte != 0x7f) {
-            out += value[i];
-        } else if (byte == '\n') {
-            out += "\\n";
+        char shown[8] = {value[i]};
+        if (byte == '\n') {
+            strcpy(shown, "\\n");
         } else if (byte == '\r') {
-            out += "\\r";
+            strcpy(shown, "\\r");
         } else if (byte == '\t') {
-            out += "\\t";
-        } else {
-            char hex[8];
-            snprintf(hex, sizeof hex, "\\x%02X", byte);
-            out += hex;
+            strcpy(shown, "\\t");
+        } else if (byte < ' ' || byte == 0x7f) {
+            snprintf(shown, sizeof shown, "\\x%02X", byte);
         }
+        out.Append(shown, strlen(shown));
     }
-    out += '\n';
+    out.Append("\n", 1);
 }
 
 // Gathers first and prints then: a reader that stands before a full pipe would keep old pages of the store
 // alive.
 int List() {
-    std::string out;
+    Text out;
     if (WalkStore(AppendPair, &out) != StoreResult::kOk) return Unusable();
-    fwrite(out.data(), 1, out.size(), stdout);
+    if (!out.whole) {
+        fputs("cfgctl: no memory for the list; free some and try again\n", stderr);
+        return kNoStore;
+    }
+    fwrite(out.bytes, 1, out.length, stdout);
     return Written();
 }
 
