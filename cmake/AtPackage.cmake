@@ -51,7 +51,7 @@ the modem, and gives back answers and unsolicited reports the same way.")
 set(CPACK_DEBIAN_DAEMON_PACKAGE_SECTION net)
 set(CPACK_DEBIAN_DAEMON_PACKAGE_DEPENDS
     "init-system-helpers (>= 1.52), systemd | systemd-sysusers, systemd | systemd-tmpfiles")
-set(CPACK_DEBIAN_DAEMON_PACKAGE_RECOMMENDS "psmisc, at-server-tools")
+set(CPACK_DEBIAN_DAEMON_PACKAGE_RECOMMENDS at-server-tools)
 foreach(script postinst prerm postrm)
   configure_file(${debian}/${script}.in ${CMAKE_BINARY_DIR}/packaging/${script} @ONLY
     FILE_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)

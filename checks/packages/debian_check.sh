@@ -23,15 +23,6 @@ skip() {
 }
 
 # ---- in the clean root
-wait_for() {
-    local i
-    for ((i = 0; i < 150; ++i)); do
-        "$@" >/dev/null 2>&1 && return
-        sleep 0.1
-    done
-    return 1
-}
-
 # What differs from the machine below, but for what dpkg and the system write about any package.
 changes() {
     local kind name
@@ -61,8 +52,8 @@ listed_files_exist() {
 }
 # As the unit has it, so far as that can be had without systemd.
 # shellcheck disable=SC2054 # commas are setpriv's
-as_service=(setpriv --reuid=at-server --regid=at-server --groups=dialout --no-new-privs --inh-caps=-all,+ipc_owner,+kill
-    --ambient-caps=-all,+ipc_owner,+kill --bounding-set=-all,+ipc_owner,+kill)
+as_service=(setpriv --reuid=at-server --regid=at-server --groups=dialout --no-new-privs --inh-caps=-all,+ipc_owner
+    --ambient-caps=-all,+ipc_owner --bounding-set=-all,+ipc_owner)
 owned_by() { [[ $(stat -c '%U:%G %a' "$2") = "$1" ]]; }
 queue() { ipcs -q | grep -q '^0x00001000 '; }
 
@@ -142,10 +133,13 @@ case $1 in
         enter_clean_root "$2" "$3" || skip "cannot make the clean root"
         # The check itself from the machine: the overlay shows it, but only if it lies on the root file system.
         cp "${BASH_SOURCE[0]}" "$2/root/tmp/check"
+        cp "$here/../support/world.sh" "$2/root/tmp/"
         DEBIAN_FRONTEND=noninteractive exec chroot "$2/root" /bin/bash /tmp/check --clean
         ;;
     --clean)
         export PATH=/usr/sbin:/usr/bin:/sbin:/bin
+        # shellcheck source=checks/support/world.sh
+        . /tmp/world.sh
         in_clean_root
         exit
         ;;

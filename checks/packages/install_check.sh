@@ -4,14 +4,13 @@
 #   install_check.sh BUILD-DIRECTORY WORK-DIRECTORY      exit 77 where there can be no sandbox
 set -u
 root=$(cd -P -- "$(dirname -- "${BASH_SOURCE[0]}")/../.." && pwd -P)
+# shellcheck source=checks/support/world.sh
+. "$root/checks/support/world.sh"
 
 if [[ $1 = --inside ]]; then
     prefix=$2
     shift 2
-    "$prefix/bin/modemsim" default >/tmp/modemsim.out 2>&1 &
-    for ((i = 0; i < 150; ++i)); do [[ ! -L /dev/ttyUSB1 ]] || break; sleep 0.1; done
-    "$prefix/sbin/at-server" &
-    for ((i = 0; i < 15; ++i)); do "$prefix/bin/atctl" send AT --timeout 1 >/dev/null 2>&1 && break; done
+    start_world "$prefix/bin" default "$prefix/sbin/at-server"
     for module; do echo "$(basename "$module"): $("$module" 2>&1)"; done
     exit 0
 fi
@@ -86,8 +85,9 @@ check "pkg-config tells the version" test "$(config --modversion)" = "$("$prefix
 # ---- what was built asks a server, all of it installed
 answers=$("$root/scripts/sandbox" -- "${BASH_SOURCE[0]}" --inside "$prefix" \
     "$work"/consumer/module_{c,cpp} "$work"/module_pc_{c,cpp})
+# shellcheck disable=SC2001
 # (The simulated modem's signal changes.)
 check "each module is answered" diff <(printf '%s: rssi N\n' module_c module_cpp module_pc_c module_pc_cpp) \
-    <(sed 's/ [1-9][0-9]*$/ N/' <<<"$answers")
+    <(echo "$answers" | sed 's/ [1-9][0-9]*$/ N/')
 
 ((failures == 0))

@@ -4,13 +4,12 @@
 #   library_check.sh DIRECTORY-OF-ATCTL-AND-MODEMSIM WORK-DIRECTORY      exit 77 where there can be no sandbox
 set -u
 root=$(cd -P -- "$(dirname -- "${BASH_SOURCE[0]}")/../.." && pwd -P)
+# shellcheck source=checks/support/world.sh
+. "$root/checks/support/world.sh"
 
 if [[ $1 = --inside ]]; then
     tools=$2 daemon=$3
-    "$tools/modemsim" default >/tmp/modemsim.out 2>&1 &
-    for ((i = 0; i < 150; ++i)); do [[ ! -L /dev/ttyUSB1 ]] || break; sleep 0.1; done
-    "$daemon" &
-    for ((i = 0; i < 15; ++i)); do "$tools/atctl" send AT --timeout 1 >/dev/null 2>&1 && break; done
+    start_world "$tools" default "$daemon"
     "$tools/atctl" send +CSQ --timeout 10
     exit
 fi
