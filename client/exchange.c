@@ -73,7 +73,10 @@ static open_request* Asked(at_client* client, const at_client_message* message, 
 }
 
 void exchange_sort(at_client* client, const wire_message* wire, size_t length) {
-    if (wire->mtype == WAKE_TYPE && length == 0) return;
+    if (wire->mtype == WAKE_TYPE && length == 0) {
+        ++client->wakes;
+        return;
+    }
     at_client_message message;
     const bool good = message_read(&message, client->options.module, wire, length);
     const bool told = message.type == REPORT_TYPE;
@@ -249,11 +252,25 @@ static bool GoodRequest(const at_client* client, uint8_t cmd_type, const void* p
            paras_size <= AT_REQUEST_PARAS_SIZE && (paras != NULL || paras_size == 0);
 }
 
+/* Takes in whatever is in the queue by now. The answer to an earlier dial must be out of the way before the
+ * next one is open: nothing else tells them apart. */
+static void CatchUp(at_client* client, bool dial, deadline_ns deadline) {
+    TakeIn(client, NULL, false);
+    if (!dial) return;
+    /* The handle's thread is through with the rest when it has come to a message sent now. */
+    const uint32_t wakes = client->wakes;
+    int nap_us = SHORTEST_NAP_US;
+    at_client_error error = AT_CLIENT_OK;
+    while (client->reading && client->wakes == wakes && error == AT_CLIENT_OK) {
+        queue_wake(client->queue);
+        error = Wait(client, deadline, &nap_us, LONGEST_NAP_US);
+    }
+}
+
 /* With the lock held. */
 static at_client_error Send(at_client* client, uint16_t cmd_id, uint8_t cmd_type, const void* paras,
                             size_t paras_size, deadline_ns deadline, int32_t* number) {
-    /* What an earlier dial is answered with must be out of the way before the next one is open. */
-    TakeIn(client, NULL, false);
+    CatchUp(client, message_is_dial(cmd_id, cmd_type), deadline);
     const at_client_error ended = Ended(client);
     if (ended != AT_CLIENT_OK) return ended;
     open_request* request = client->requests;

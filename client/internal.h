@@ -52,8 +52,9 @@ struct at_client {
     pthread_cond_t changed; /* something arrived, or the handle came to its end */
     at_client_error fault;  /* not OK: the queue cannot be read any more */
     int fault_errno;
-    bool reading; /* the handle's thread takes in what comes; otherwise whoever waits does */
-    int server;   /* id of the server's queue, -1 unknown */
+    bool reading;   /* the handle's thread takes in what comes; otherwise whoever waits does */
+    uint32_t wakes; /* messages of queue_wake that came */
+    int server;     /* id of the server's queue, -1 unknown */
     int32_t next_type;
     open_request requests[AT_CLIENT_MOST_REQUESTS];
     at_client_message reports[AT_CLIENT_MOST_REPORTS]; /* a ring */
