@@ -6,7 +6,7 @@ find_package(Threads REQUIRED)
 add_library(at_options INTERFACE)
 target_compile_definitions(at_options INTERFACE _GNU_SOURCE)
 target_compile_options(at_options INTERFACE
-  -Wall -Wextra -Werror -Wshadow -Wconversion -Wformat=2 -Wundef -Wcast-align -Wvla
+  -Wall -Wextra $<$<BOOL:${AT_WARNINGS_ARE_ERRORS}>:-Werror> -Wshadow -Wconversion -Wformat=2 -Wundef -Wcast-align -Wvla
   $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor -Woverloaded-virtual -Wextra-semi -Wold-style-cast>
   -fno-strict-aliasing -ffunction-sections -fdata-sections)
 target_link_options(at_options INTERFACE -Wl,--gc-sections)
