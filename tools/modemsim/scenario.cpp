@@ -22,22 +22,8 @@ constexpr std::array<std::string_view, 8> kTopWords = {"include", "echo",  "late
 constexpr std::array<std::string_view, 10> kBodyWords = {"|",    "send",   "repeat", "wait",  "pieces",
                                                          "echo", "prompt", "silent", "until", "unplug"};
 
-std::string Quoted(std::string_view word) {
-    return "'" + std::string(word) + "'";
-}
-
 bool IsOneOf(std::span<const std::string_view> words, std::string_view word) {
     return std::find(words.begin(), words.end(), word) != words.end();
-}
-
-std::string Unknown(std::string_view word, std::span<const std::string_view> known) {
-    const std::string_view nearest = Nearest(word, known);
-    std::string text = "unknown word " + Quoted(word);
-    if (!nearest.empty()) return text + ", did you mean " + Quoted(nearest) + "?";
-    text += " (known here:";
-    for (const std::string_view candidate : known)
-        text += " " + std::string(candidate);
-    return text + ")";
 }
 
 // What stands under one "on" or "report".
@@ -166,7 +152,7 @@ bool Parser::TopLine(std::string_view word, Words words, std::size_t depth) {
     if (word == "report") return ReportHead(words);
     if (word == "include") return Include(words, depth);
     if (IsOneOf(kTopWords, word)) return Setting(word, words);
-    return Fail(Unknown(word, kTopWords));
+    return Fail(UnknownWord(word, kTopWords));
 }
 
 bool Parser::NothingMore(const Words& words) {
@@ -317,7 +303,7 @@ bool Parser::ReportHead(Words words) {
     } else if (!words.AtEnd()) {
         constexpr std::array<std::string_view, 4> kWords = {"at", "every", "times", "after"};
         if (words.Peek() == "times") return Fail("'times' needs 'every TIME' in front");
-        return Fail(Unknown(words.Peek(), kWords));
+        return Fail(UnknownWord(words.Peek(), kWords));
     } else if (!timed) {
         return Fail("a report needs a time: 'at TIME', 'every TIME' or 'after LINE'");
     }
@@ -406,7 +392,7 @@ bool Parser::BodyWord(std::string_view word, Words words) {
     } else if (IsOneOf(kTopWords, word)) {
         return Fail(Quoted(word) + " must start at the beginning of its line");
     } else {
-        return Fail(Unknown(word, kBodyWords));
+        return Fail(UnknownWord(word, kBodyWords));
     }
     AddStep(std::move(step));
     return NothingMore(words);
@@ -485,7 +471,7 @@ bool IsResultCode(std::string_view line) {
                        [&](std::string_view begin) { return line.starts_with(begin); });
 }
 
-std::optional<std::string> ReadScenarioFile(const std::string& path, std::string& reason) {
+std::optional<std::string> ReadRegularFile(const std::string& path, std::size_t max, std::string& reason) {
     struct stat info = {};
     if (stat(path.c_str(), &info) != 0) {
         reason = std::strerror(errno);
@@ -496,8 +482,8 @@ std::optional<std::string> ReadScenarioFile(const std::string& path, std::string
         reason = "not a file";
         return std::nullopt;
     }
-    if (static_cast<std::uint64_t>(info.st_size) > kMaxScenarioBytes) {
-        reason = "longer than " + std::to_string(kMaxScenarioBytes) + " bytes";
+    if (static_cast<std::uint64_t>(info.st_size) > max) {
+        reason = "longer than " + std::to_string(max) + " bytes";
         return std::nullopt;
     }
     std::ifstream file(path, std::ios::binary);
@@ -507,6 +493,10 @@ std::optional<std::string> ReadScenarioFile(const std::string& path, std::string
         return std::nullopt;
     }
     return text;
+}
+
+std::optional<std::string> ReadScenarioFile(const std::string& path, std::string& reason) {
+    return ReadRegularFile(path, kMaxScenarioBytes, reason);
 }
 
 ParseResult ParseScenario(const std::string& name, std::string_view text, const FileReader& reader) {

@@ -109,6 +109,9 @@ struct ParseResult {
 // Gives the content of the file at `path`, or nullopt and a reason.
 using FileReader = std::function<std::optional<std::string>(const std::string& path, std::string& reason)>;
 
+// Reads a regular file of at most `max` bytes; nullopt and a reason without the path.
+std::optional<std::string> ReadRegularFile(const std::string& path, std::size_t max, std::string& reason);
+
 // Reads a regular file of at most kMaxScenarioBytes.
 std::optional<std::string> ReadScenarioFile(const std::string& path, std::string& reason);
 

@@ -9,17 +9,6 @@ namespace {
 
 constexpr std::string_view kBlanks = " \t";
 
-int HexDigit(char c) {
-    if (c >= '0' && c <= '9') return c - '0';
-    if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-    if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-    return -1;
-}
-
-std::string Quoted(std::string_view word) {
-    return "'" + std::string(word) + "'";
-}
-
 // Insertions, deletions, replacements and swapped neighbours that turn one word into the other.
 std::size_t Distance(std::string_view a, std::string_view b) {
     std::vector<std::vector<std::size_t>> cost(a.size() + 1, std::vector<std::size_t>(b.size() + 1));
@@ -39,6 +28,27 @@ std::size_t Distance(std::string_view a, std::string_view b) {
 }
 
 }  // namespace
+
+int HexDigit(char c) {
+    if (c >= '0' && c <= '9') return c - '0';
+    if (c >= 'a' && c <= 'f') return c - 'a' + 10;
+    if (c >= 'A' && c <= 'F') return c - 'A' + 10;
+    return -1;
+}
+
+std::string Quoted(std::string_view word) {
+    return "'" + std::string(word) + "'";
+}
+
+std::string UnknownWord(std::string_view word, std::span<const std::string_view> known) {
+    const std::string_view nearest = Nearest(word, known);
+    std::string text = "unknown word " + Quoted(word);
+    if (!nearest.empty()) return text + ", did you mean " + Quoted(nearest) + "?";
+    text += " (known here:";
+    for (const std::string_view candidate : known)
+        text += " " + std::string(candidate);
+    return text + ")";
+}
 
 void Words::Skip() {
     const std::size_t start = rest_.find_first_not_of(kBlanks);
@@ -130,14 +140,11 @@ std::optional<Time> ReadTime(std::string_view word, std::string& reason) {
     return time;
 }
 
-std::optional<std::string> ReadQuoted(std::string_view text, std::string& reason) {
-    if (text.empty() || text.front() != '"') {
-        reason = "a text in double quotes is missing";
-        return std::nullopt;
-    }
+std::optional<std::string> ReadEscaped(std::string_view text, char end, std::size_t& taken,
+                                       std::string& reason) {
     std::string value;
-    std::size_t i = 1;
-    for (; i < text.size() && text[i] != '"'; ++i) {
+    std::size_t i = 0;
+    for (; i < text.size() && (end == '\0' || text[i] != end); ++i) {
         if (text[i] != '\\') {
             value += text[i];
             continue;
@@ -168,12 +175,25 @@ std::optional<std::string> ReadQuoted(std::string_view text, std::string& reason
             return std::nullopt;
         }
     }
-    if (i >= text.size()) {
+    taken = i;
+    return value;
+}
+
+std::optional<std::string> ReadQuoted(std::string_view text, std::string& reason) {
+    if (text.empty() || text.front() != '"') {
+        reason = "a text in double quotes is missing";
+        return std::nullopt;
+    }
+    text.remove_prefix(1);
+    std::size_t taken = 0;
+    auto value = ReadEscaped(text, '"', taken, reason);
+    if (!value) return std::nullopt;
+    if (taken == text.size()) {
         reason = "the closing double quote is missing";
         return std::nullopt;
     }
-    if (i + 1 != text.size()) {
-        reason = Quoted(text.substr(i + 1)) + " stands behind the closing double quote";
+    if (taken + 1 != text.size()) {
+        reason = Quoted(text.substr(taken + 1)) + " stands behind the closing double quote";
         return std::nullopt;
     }
     return value;

@@ -37,8 +37,22 @@ std::optional<std::uint64_t> ReadNumber(std::string_view word, std::uint64_t low
 // "300ms", "2s", "1.5s", "1min": at most kMaxTime, down to a thousandth of the unit.
 std::optional<Time> ReadTime(std::string_view word, std::string& reason);
 
+// A text with \r \n \t \" \\ \xHH up to the character `end`, or up to its end when that is NUL. `taken`: what
+// was read of it, without the character.
+std::optional<std::string> ReadEscaped(std::string_view text, char end, std::size_t& taken,
+                                       std::string& reason);
+
 // A text in double quotes with \r \n \t \" \\ \xHH, and nothing behind it.
 std::optional<std::string> ReadQuoted(std::string_view text, std::string& reason);
+
+// The value of a hexadecimal digit, -1 for any other character.
+int HexDigit(char c);
+
+// The word between single quotes, for messages.
+std::string Quoted(std::string_view word);
+
+// "unknown word 'WORD'", and which of the known ones was probably meant, or all of them.
+std::string UnknownWord(std::string_view word, std::span<const std::string_view> known);
 
 // The candidate that `word` was probably meant to be, or an empty text.
 std::string_view Nearest(std::string_view word, std::span<const std::string_view> candidates);
