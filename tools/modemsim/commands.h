@@ -11,11 +11,23 @@ namespace modemsim {
 inline constexpr int kFailed = 1;  // exit status: something broke on the way
 inline constexpr int kMisuse = 2;  // exit status: bad options, scenario or link
 
+inline constexpr int kDeviated = 3;    // exit status: the daemon did not do what the recording says
+inline constexpr int kIncomplete = 4;  // exit status: a file could not be written to its end
+
 // "modemsim: TEXT" on standard error. Gives kMisuse.
 int Complain(const std::string& text);
 
 // A modem on a pty: "modemsim SCENARIO", or "modemsim play SCENARIO".
 int Play(int argc, char** argv);
+
+// Between a modem and the daemon: "modemsim record --device DEV FILE".
+int Record(int argc, char** argv);
+
+// The modem of a recording: "modemsim replay FILE".
+int Replay(int argc, char** argv);
+
+// A recording without private data: "modemsim redact FILE OUT".
+int Redact(int argc, char** argv);
 
 }  // namespace modemsim
 

@@ -16,6 +16,9 @@ struct Subcommand {
 
 constexpr std::array kSubcommands = {
     Subcommand{"play", modemsim::Play},
+    Subcommand{"record", modemsim::Record},
+    Subcommand{"replay", modemsim::Replay},
+    Subcommand{"redact", modemsim::Redact},
 };
 
 }  // namespace
