@@ -1,0 +1,110 @@
+// The call module: dials, tells how the call gets on, hangs up after a while. Reports come by callback, on
+// the handle's thread, while the main thread asks and waits.
+//
+//     place_call NUMBER [SECONDS]        talks for SECONDS (default 5), or until Ctrl-C
+
+#include <atomic>
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <thread>
+
+#include "client/at_client.h"
+
+namespace {
+
+enum : uint16_t {
+    kDial = 0x0401,    // D: its parameters are the number, without a NUL
+    kHangUp = 0x0403,  // +CHUP
+    // Reports, see docs/reports.md
+    kEnded = 0x0408,
+    kConnected = 0x040D,
+    kNoCarrier = 0x040E,
+    kRingback = 0x053D,
+};
+
+// All that the handler and the callback touch: the main thread looks every 10 ms.
+std::atomic<bool> g_stop{false};
+std::atomic<bool> g_connected{false};
+std::atomic<bool> g_over{false};
+
+void OnReport(at_client*, const at_client_message* report, void*) {
+    char text[64];
+    at_client_text(report, text, sizeof text);
+    switch (report->cmd_id) {
+        case kRingback:
+            std::puts("it rings over there");
+            break;
+        case kConnected:
+            std::puts("connected");
+            g_connected = true;
+            break;
+        case kEnded:
+        case kNoCarrier:
+            std::printf("the call has ended (%s)\n", text);
+            g_over = true;
+            break;
+        default:
+            std::printf("report 0x%04X %s\n", unsigned{report->cmd_id}, text);
+    }
+}
+
+// Until the condition is true, at most so long. False when the time is up, the call over or Ctrl-C pressed.
+template <class Condition>
+bool WaitFor(std::chrono::seconds time, Condition condition) {
+    const auto end = std::chrono::steady_clock::now() + time;
+    while (!condition()) {
+        if (g_stop || g_over || std::chrono::steady_clock::now() >= end) return false;
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    return true;
+}
+
+// One command of which only the result matters. True when the modem said OK.
+bool Command(at_client* client, uint16_t cmd_id, const char* text, const char* what) {
+    at_client_message answer;
+    const at_client_error error =
+        at_client_ask(client, cmd_id, AT_CMD_TYPE_EXEC, text, std::strlen(text), 10'000, &answer);
+    if (error == AT_CLIENT_OK && answer.result == AT_RESULT_OK) return true;
+    std::fprintf(stderr, "place_call: %s: %s\n", what,
+                 error != AT_CLIENT_OK ? at_client_error_text(error) : at_client_result_text(answer.result));
+    return false;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (argc < 2) {
+        std::fputs("usage: place_call NUMBER [SECONDS]\n", stderr);
+        return 2;
+    }
+    const std::chrono::seconds talk(argc > 2 ? std::atoi(argv[2]) : 5);
+    std::setvbuf(stdout, nullptr, _IOLBF, 0);
+    std::signal(SIGINT, [](int) { g_stop = true; });
+    std::signal(SIGTERM, [](int) { g_stop = true; });
+
+    at_client_options options = {};
+    options.module = AT_MODULE_CALL;  // call reports go to this module
+    options.flags = AT_CLIENT_THREAD;
+    options.on_report = OnReport;
+    at_client* client = nullptr;
+    const at_client_error error = at_client_open(&options, &client);
+    if (error != AT_CLIENT_OK) {
+        std::fprintf(stderr, "place_call: opening: %s\n", at_client_error_text(error));
+        return 1;
+    }
+    bool good = Command(client, kDial, argv[1], "dialling");
+    if (good) {
+        std::printf("dialling %s\n", argv[1]);
+        good = WaitFor(std::chrono::seconds(60), [] { return g_connected.load(); });
+        if (good) WaitFor(talk, [] { return false; });
+        // Ctrl-C or not, the call must not go on without us. at_client_stop would have ended this question
+        // too.
+        if (!g_over && Command(client, kHangUp, "", "hanging up"))
+            WaitFor(std::chrono::seconds(5), [] { return g_over.load(); });
+    }
+    at_client_close(client);
+    return good ? 0 : 1;
+}
