@@ -12,6 +12,7 @@
 #include "tools/atctl/answer.h"
 #include "tools/atctl/describe.h"
 #include "tools/atctl/find_command.h"
+#include "tools/atctl/meaning.h"
 #include "tools/atctl/print_answer.h"
 
 namespace {
@@ -43,7 +44,7 @@ std::vector<std::string> Names(const Decoded& decoded) {
 
 std::string Printed(const std::string& call, const Decoded& decoded) {
     std::ostringstream out;
-    PrintAnswer(out, Paint(), *FindCall(call).row, decoded);
+    PrintAnswer(out, Look(), *FindCall(call).row, decoded);
     return out.str();
 }
 
@@ -138,7 +139,7 @@ TEST(DecodeAnswer, EveryTypeOfField) {
     EXPECT_EQ(Get<uint64_t>(decoded, "mask"), UINT64_MAX);
     EXPECT_EQ(Get<std::string>(decoded, "code"), "12345678");
     std::ostringstream out;
-    PrintAnswer(out, Paint(), kOddRow, decoded);
+    PrintAnswer(out, Look(), kOddRow, decoded);
     EXPECT_EQ(out.str(),
               "+ODD?: OK\n"
               "  level   -1.5                  (dB)\n"
@@ -301,7 +302,7 @@ TEST(PrintAnswer, FieldsAreAligned) {
 
 TEST(PrintAnswer, ColoursOnlyWhenAskedFor) {
     std::ostringstream out;
-    PrintAnswer(out, Paint{true}, *FindCall("+CSQ").row, DecodeAs("+CSQ", AT_RESULT_OK, Text("OK", 2)));
+    PrintAnswer(out, Look{true}, *FindCall("+CSQ").row, DecodeAs("+CSQ", AT_RESULT_OK, Text("OK", 2)));
     EXPECT_EQ(out.str(), "\033[1m+CSQ\033[0m  signal quality: \033[32mOK\033[0m\n");
 }
 
@@ -334,7 +335,7 @@ TEST(DecodeAnswer, AnyBytesForAnyRow) {
                 for (const auto& entry : decoded.entries)
                     lists += !entry.empty();
                 std::ostringstream out;
-                PrintAnswer(out, Paint(), row, decoded);
+                PrintAnswer(out, Look(), row, decoded);
                 EXPECT_FALSE(out.str().empty());
                 const std::string json = AnswerJson(row, decoded).dump();
                 EXPECT_TRUE(nlohmann::json::accept(json)) << json;
@@ -391,23 +392,46 @@ TEST_F(AnswerFile, ThatIsMissingOrADirectoryIsSaid) {
     EXPECT_EQ(ReadAnswerFile(directory_, 100, {0, 0}).fault, "Is a directory");
 }
 
-TEST(List, FitsAHundredColumnsAndHasEveryRow) {
+TEST(List, HasALineForEachCommandWhereItIsNoTerminal) {
     std::ostringstream out;
-    PrintList(out, Paint());
+    PrintList(out, Look(), CommandsWith(""));
     std::istringstream lines(out.str());
     std::string line;
-    while (std::getline(lines, line))
-        EXPECT_LE(line.size(), 100U) << line;
-    for (const Row& row : Commands())
-        EXPECT_NE(out.str().find(row.name), std::string::npos) << row.name;
+    std::getline(lines, line);
+    EXPECT_EQ(line.substr(0, 14), "ID     NAME   ");
+    for (const Row& row : Commands()) {
+        ASSERT_TRUE(std::getline(lines, line));
+        EXPECT_EQ(line.find(CommandName(row) + " "), sizeof "0x0103") << line;
+        EXPECT_NE(line.find(row.title), std::string::npos) << line;
+    }
+    EXPECT_FALSE(std::getline(lines, line));
     EXPECT_NE(
         out.str().find("0x0103 +CPMS            message storages                 -         30 > 24   > 60"),
         std::string::npos);
     EXPECT_NE(out.str().find("report only"), std::string::npos);
 }
 
+TEST(List, FitsTheTerminalAndHasEveryRow) {
+    for (const size_t width : {size_t{60}, size_t{80}, size_t{95}, size_t{96}, size_t{120}}) {
+        std::ostringstream out;
+        PrintList(out, {false, width, true}, CommandsWith(""));
+        std::istringstream lines(out.str());
+        std::string line;
+        while (std::getline(lines, line))
+            EXPECT_LE(line.size(), width) << line;
+        for (const Row& row : Commands())
+            EXPECT_NE(out.str().find(row.name), std::string::npos) << row.name;
+    }
+}
+
+TEST(List, TakesNamesAndTitlesInAnyCase) {
+    EXPECT_EQ(CommandsWith("").size(), Commands().size());
+    ASSERT_EQ(CommandsWith("SIGNAL qual").size(), 1U);
+    EXPECT_STREQ(CommandsWith("csq")[0]->name, "+CSQ");
+}
+
 TEST(List, IsAnArrayOfEveryRowInJson) {
-    const auto list = ListJson();
+    const auto list = ListJson(CommandsWith(""));
     ASSERT_EQ(list.size(), Commands().size());
     size_t reports = 0;
     for (const auto& row : list)
@@ -422,7 +446,7 @@ TEST(List, IsAnArrayOfEveryRowInJson) {
 
 TEST(Show, HasFieldsLinesAndAnswers) {
     std::ostringstream out;
-    PrintCommand(out, Paint(), *FindCall("+CPIN").row);
+    PrintCommand(out, Look(), *FindCall("+CPIN").row);
     EXPECT_EQ(out.str(),
               "+CPIN  PIN state and PIN entry\n"
               "  id        0x0301\n"
@@ -453,7 +477,7 @@ TEST(Show, HasFieldsLinesAndAnswers) {
 TEST(Show, EveryRowHasADescriptionInBothForms) {
     for (const Row& row : Commands()) {
         std::ostringstream out;
-        PrintCommand(out, Paint(), row);
+        PrintCommand(out, Look(), row);
         EXPECT_NE(out.str().find("position"), std::string::npos) << row.name;
         const auto json = CommandJson(row);
         EXPECT_EQ(json["id"], row.id) << row.name;

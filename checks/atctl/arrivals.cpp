@@ -5,9 +5,9 @@
 #include <nlohmann/json.hpp>
 
 #include "checks/atctl/support.h"
-#include "tools/atctl/misuse.h"
 #include "tools/atctl/module_name.h"
 #include "tools/atctl/report_line.h"
+#include "tools/shared/exit_status.h"
 
 // Messages that arrive at a module's queue, as lines and as JSON.
 
@@ -40,7 +40,7 @@ Arrival Arrive(uint16_t module, const _BK_AT_RES_T& res, const Sent& sent = {},
 }
 
 std::string Line(const Arrival& arrival) {
-    return ArrivalLine(arrival, Paint());
+    return ArrivalLine(arrival, Look());
 }
 
 _BK_AT_RES_T NewMessage() {

@@ -90,7 +90,7 @@ TEST_F(Monitor, RefusesAQueueThatIsThereAndRemovesItsOwn) {
     const Queue data(AT_MODULE_DATA);
     ASSERT_TRUE(PutInto(data.Id(), Report(AT_MODULE_DATA, 0x0625, 1, Integers({1}))));
     Outcome outcome = Atctl({"monitor", "--timeout", "5"});
-    EXPECT_EQ(outcome.status, 2);
+    EXPECT_EQ(outcome.status, 5);
     EXPECT_EQ(outcome.out, "");
     EXPECT_EQ(outcome.err,
               "atctl: module data (queue 0x1022) is somebody else's: its queue was made by user " +
@@ -102,7 +102,7 @@ TEST_F(Monitor, RefusesAQueueThatIsThereAndRemovesItsOwn) {
     Wire message;
     EXPECT_TRUE(TakeFrom(data.Id(), message));
     outcome = Atctl({"monitor", "data", "--timeout", "5"});
-    EXPECT_EQ(outcome.status, 2);
+    EXPECT_EQ(outcome.status, 5);
     EXPECT_NE(outcome.err.find("last read by process " + std::to_string(getpid()) + " (atctl_program_c"),
               std::string::npos)
         << outcome.err;
@@ -126,7 +126,7 @@ TEST_F(Monitor, SaysThatTheReaderOfAQueueIsGone) {
 TEST_F(Monitor, TwoMonitorsShareNoModule) {
     const Child first = Start({"monitor", "sms", "--timeout", "60"});
     QueueOf(AT_MODULE_SMS);
-    EXPECT_EQ(Atctl({"monitor", "call", "sms"}).status, 2);
+    EXPECT_EQ(Atctl({"monitor", "call", "sms"}).status, 5);
     EXPECT_EQ(msgget(AT_MODULE_CALL, 0), -1);
     EXPECT_EQ(Atctl({"monitor", "call", "--timeout", "0.01"}).status, 0);
     EXPECT_NE(msgget(AT_MODULE_SMS, 0), -1);
@@ -140,7 +140,9 @@ TEST_F(Monitor, SignalsTakeTheQueuesAway) {
         WaitForAll();
         EXPECT_EQ(Queues(), 7);
         kill(child.pid, signal);
-        EXPECT_EQ(Finish(child).status, 128 + signal);
+        const Outcome outcome = Finish(child);
+        EXPECT_EQ(outcome.status, 128 + signal);
+        EXPECT_NE(outcome.err.find("\natctl: interrupted after 0 reports\n"), std::string::npos);
         EXPECT_EQ(Queues(), 0);
     }
 }
@@ -153,12 +155,12 @@ TEST_F(Monitor, EndsWhenNobodyReadsItsLines) {
     EXPECT_EQ(Finish(child).status, 0);
 }
 
-TEST_F(Monitor, EndsWith2WhenItsQueueIsRemoved) {
+TEST_F(Monitor, EndsWith7WhenItsQueueIsRemoved) {
     const Child child = Start({"monitor", "sms", "call"});
     QueueOf(AT_MODULE_CALL);
     msgctl(QueueOf(AT_MODULE_SMS), IPC_RMID, nullptr);
     const Outcome outcome = Finish(child);
-    EXPECT_EQ(outcome.status, 2);
+    EXPECT_EQ(outcome.status, 7);
     EXPECT_NE(outcome.err.find("\natctl: somebody removed the queue of module sms\n"), std::string::npos);
 }
 

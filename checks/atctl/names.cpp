@@ -5,8 +5,9 @@
 #include "commands/timeouts.h"
 #include "tools/atctl/error_words.h"
 #include "tools/atctl/find_command.h"
-#include "tools/atctl/misuse.h"
-#include "tools/atctl/text.h"
+#include "tools/shared/exit_status.h"
+#include "tools/shared/suggest.h"
+#include "tools/shared/text.h"
 
 namespace {
 
@@ -84,7 +85,8 @@ TEST(FindCall, ANameThatFitsTwoCommandsIsRefused) {
 
 TEST(FindCall, AtSyntaxIsRefusedWithTheRightCall) {
     EXPECT_EQ(Found("AT+CSQ"),
-              "refused: modules never send AT syntax, and names stand without AT: atctl send '+CSQ'");
+              "refused: modules never send AT syntax, they fill records; names stand without AT: atctl send "
+              "'+CSQ'");
     EXPECT_TRUE(Has(Found("at+creg?"), "atctl send '+CREG?'"));
     EXPECT_TRUE(Has(Found("AT+COPS=?"), "atctl send '+COPS=?'"));
     EXPECT_TRUE(Has(Found("AT+CPMS=\"SM\",\"ME\",\"SM\""), "atctl send '+CPMS=' SM ME SM"));
@@ -96,15 +98,16 @@ TEST(FindCall, AtSyntaxIsRefusedWithTheRightCall) {
 
 TEST(FindCall, ValuesBehindTheEqualsSignAreRefusedWithTheRightCall) {
     EXPECT_EQ(Found("+CFUN=1"),
-              "refused: the server writes the AT line; give it the values one by one: atctl send '+CFUN=' 1");
+              "refused: modules never send AT syntax, they fill records; values stand one by one: atctl send "
+              "'+CFUN=' 1");
     // Quotation marks that the server does not print are the value's own.
     EXPECT_TRUE(Has(Found("+COPS=1,2,\"26201\",7"), "atctl send '+COPS=' 1 2 '\"26201\"' 7"));
     EXPECT_TRUE(Has(Found("D5550123"), "atctl send D 5550123"));
 }
 
 TEST(FindCall, UnknownNamesAreAnsweredWithTheNearest) {
-    EXPECT_EQ(Found("+CSX"), "refused: there is no command \"+CSX\"; is it +CSQ?");
-    EXPECT_TRUE(Has(Found("+CPSM="), "is it +CPMS"));
+    EXPECT_EQ(Found("+CSX"), "refused: there is no command \"+CSX\"; did you mean +CSQ?");
+    EXPECT_TRUE(Has(Found("+CPSM="), "did you mean +CPMS"));
     EXPECT_EQ(Found("xyzzy"), "refused: there is no command \"xyzzy\"; atctl list shows them all");
     EXPECT_TRUE(Has(Found("+CSQ\x1b[2J"), "there is no command \"+CSQ\\x1b[2J\""));
 }
@@ -113,8 +116,8 @@ TEST(FindCommand, TakesAFormForItsName) {
     EXPECT_EQ(Named("+CREG?"), "+CREG");
     EXPECT_EQ(Named("+COPS=?"), "+COPS");
     EXPECT_EQ(Named("cgreg"), "+CGREG");
-    EXPECT_EQ(Named("AT+CSQ"), "refused: names stand without AT: '+CSQ'");
-    EXPECT_TRUE(Has(Named("+CSX"), "is it +CSQ?"));
+    EXPECT_EQ(Named("AT+CSQ"), "refused: names stand without AT: atctl show '+CSQ'");
+    EXPECT_TRUE(Has(Named("+CSX"), "did you mean +CSQ?"));
 }
 
 TEST(Text, PrintableKeepsUtf8AndEscapesTheRest) {

@@ -12,9 +12,10 @@
 #include <sstream>
 
 #include "checks/atctl/support.h"
-#include "tools/atctl/misuse.h"
+#include "tools/atctl/asking.h"
 #include "tools/atctl/queue_client.h"
 #include "tools/atctl/send.h"
+#include "tools/shared/exit_status.h"
 
 namespace {
 
@@ -65,9 +66,10 @@ Outcome RunSend(key_t key, SendOptions options) {
     QueueClient::Setup setup;
     setup.server_key = key;
     try {
-        outcome.status = Send(options, setup, {out, err, Paint()});
-    } catch (const Misuse& misuse) {
-        outcome.misuse = misuse.what();
+        outcome.status = Send(options, setup, {out, err, Look()});
+    } catch (const Failure& failure) {
+        outcome.status = failure.Status();
+        outcome.misuse = failure.what();
     }
     outcome.out = out.str();
     outcome.err = err.str();

@@ -162,7 +162,7 @@ TEST_F(Reports, EachIsShownAsTheModemMeantIt) {
         if (Queues().sent.empty()) continue;
         const Arrival arrival = Read(Queues().sent[0]);
         EXPECT_EQ(arrival.kind, Arrival::Kind::report);
-        EXPECT_EQ(ArrivalLine(arrival, Paint()).substr(sizeof "00:00:00.000  " - 1), vector.line);
+        EXPECT_EQ(ArrivalLine(arrival, Look()).substr(sizeof "00:00:00.000  " - 1), vector.line);
     }
 }
 

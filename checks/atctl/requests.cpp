@@ -6,8 +6,8 @@
 #include "checks/atctl/support.h"
 #include "tools/atctl/describe.h"
 #include "tools/atctl/find_command.h"
-#include "tools/atctl/misuse.h"
 #include "tools/atctl/request.h"
+#include "tools/shared/exit_status.h"
 
 namespace {
 
@@ -180,7 +180,7 @@ TEST(BuildRequest, FieldsThatDoNotExistOrComeTwiceAreRefused) {
     EXPECT_EQ(
         Refusal("+CFUN=", Words{"fan=1"}),
         "+CFUN= has no field \"fan\"; its fields are fun (a text with \"=\" in it needs its field's name in "
-        "front)");
+        "front); did you mean fun?");
     EXPECT_EQ(Refusal("+CFUN=", Words{"fun=1", "fun=2"}), "+CFUN=: fun is given twice");
     EXPECT_EQ(Refusal("+CMGD=", Words{"1", "index=2"}), "+CMGD=: index is given twice");
     EXPECT_EQ(Refusal("+CMGD=", Words{"index=2", "1"}),

@@ -7,6 +7,8 @@
 #include "tools/atctl/answer.h"
 #include "tools/atctl/find_command.h"
 #include "tools/atctl/request.h"
+#include "tools/shared/table.h"
+#include "tools/shared/text.h"
 
 using Json = nlohmann::ordered_json;
 
@@ -113,9 +115,9 @@ std::string Exchange(const Row& row, uint8_t type) {
     return Join(parts, ", ");
 }
 
-void PrintRecord(std::ostream& out, const Record& record, const Row* request_of) {
+void PrintRecord(std::ostream& out, const Look& look, const Record& record, const Row* request_of) {
     Table table(4);
-    table.Row({"offset", "size", "type", "name", "meaning"});
+    table.Head({"offset", "size", "type", "name", "meaning"});
     for (size_t i = 0; i < record.count; ++i) {
         const Field& field = record.fields[i];
         std::string meaning = field.meaning;
@@ -124,11 +126,11 @@ void PrintRecord(std::ostream& out, const Record& record, const Row* request_of)
         table.Row({std::to_string(field.offset), std::to_string(field.size), TypeText(field.type), field.name,
                    meaning});
     }
-    table.Print(out);
+    table.Print(out, look);
     if (record.entry == nullptr) return;
     out << "    then from offset " << record.entry_offset << " up to " << record.entry_count << " times "
         << record.entry->name << ", " << record.entry->size << " bytes each:\n";
-    PrintRecord(out, *record.entry, nullptr);
+    PrintRecord(out, look, *record.entry, nullptr);
 }
 
 std::string TypesText(Types types) {
@@ -138,7 +140,7 @@ std::string TypesText(Types types) {
     return names.size() == std::size(kTypes) ? "every form" : Join(names, ", ");
 }
 
-void PrintAnswers(std::ostream& out, const Row& row) {
+void PrintAnswers(std::ostream& out, const Look& look, const Row& row) {
     const bool own = row.decode.kind == DecodeKind::answers || row.decode.kind == DecodeKind::custom;
     const char* const what = ReportOnly(row) ? "report" : "answer";
     if (row.decode.kind == DecodeKind::text) out << "\n" << what << ": the modem's text\n";
@@ -156,11 +158,11 @@ void PrintAnswers(std::ostream& out, const Row& row) {
         if (answer.carried != 0) out << ", the first " << answer.carried << " in the message";
         if (answer.file != nullptr) out << ", in the file " << answer.file;
         out << "\n";
-        PrintRecord(out, *answer.record, nullptr);
+        PrintRecord(out, look, *answer.record, nullptr);
     }
 }
 
-void PrintForms(std::ostream& out, const Row& row) {
+void PrintForms(std::ostream& out, const Look& look, const Row& row) {
     Table table(2);
     for (const Form& form : row.encode.forms) {
         if (form.format == nullptr) continue;
@@ -169,7 +171,7 @@ void PrintForms(std::ostream& out, const Row& row) {
     }
     const bool one = row.encode.forms[1].format == nullptr;
     out << (one ? "\nline\n" : "\nline, the first that fits\n");
-    table.Print(out);
+    table.Print(out, look);
 }
 
 Json FieldsJson(const Record& record, const Row* request_of) {
@@ -224,58 +226,74 @@ Json RecordJson(const Record& record, const Row* request_of) {
     return json;
 }
 
-void PrintList(std::ostream& out, const Paint& paint) {
-    // Names and titles that do not fit their columns stand in a line of their own.
+void PrintList(std::ostream& out, const Look& look, std::span<const Row* const> rows) {
+    constexpr size_t kId = 6;
     constexpr size_t kName = 16;
     constexpr size_t kTitle = 32;
     constexpr size_t kCell = 9;
+    constexpr size_t kForms = 4 * (kCell + 1);
+    const bool terminal = look.width != 0;
+    // Names and titles that are longer than their columns push the rest of their line aside in a file, which
+    // has a line for each command, and are continued below on a terminal.
+    const bool forms = !terminal || look.width >= kId + 1 + kName + 1 + kTitle + kForms;
+    size_t title_width = kTitle;
+    if (terminal && !forms) title_width = std::max(look.width, kId + kName + 16) - kId - kName - 2;
     const auto pad = [](std::string text, size_t width) {
         text.resize(std::max(text.size(), width), ' ');
         return text + " ";
     };
-    out << paint.Bold(pad("ID", 6) + pad("NAME", kName) + pad("TITLE", kTitle) + pad("EXECUTE", kCell) +
-                      pad("SET", kCell) + pad("READ", kCell) + "TEST")
-        << "\n";
-    for (const Row& row : Commands()) {
-        const std::string name = CommandName(row);
-        std::string line = pad(HexNumber(row.id), 6);
-        if (name.size() > kName) {
-            out << line << name << "\n";
-            line = pad("", 6) + pad("", kName);
+    const auto print = [&](std::string line, const std::string& last, const auto& style) {
+        line += last;
+        line.erase(line.find_last_not_of(' ') + 1);
+        out << style(line) << "\n";
+    };
+    const auto plain = [](const std::string& text) { return text; };
+    std::string head = pad("ID", kId) + pad("NAME", kName) + pad("TITLE", title_width);
+    if (forms) head += pad("EXECUTE", kCell) + pad("SET", kCell) + pad("READ", kCell) + "TEST";
+    print(head, "", [&](const std::string& text) { return look.Bold(text); });
+    for (const Row* row : rows) {
+        const std::string name = CommandName(*row);
+        std::string line = pad(HexNumber(row->id), kId);
+        if (terminal && name.size() > kName) {
+            print(line, name, plain);
+            line = pad("", kId) + pad("", kName);
         } else {
             line += pad(name, kName);
         }
-        const std::string_view title = row.title;
-        if (title.size() > kTitle) {
-            out << line << title << "\n";
-            line = pad("", 6) + pad("", kName) + pad("", kTitle);
-        } else {
-            line += pad(std::string(title), kTitle);
-        }
-        if (ReportOnly(row))
-            line += "report only";
-        else
+        std::vector<std::string> titles = {row->title};
+        if (terminal) titles = Wrap(row->title, title_width);
+        std::string cells;
+        if (forms && ReportOnly(*row))
+            cells = "report only";
+        else if (forms)
             for (const uint8_t type : kTypes)
-                line += pad(Cell(row, type), kCell);
-        line.erase(line.find_last_not_of(' ') + 1);
-        out << line << "\n";
+                cells += pad(Cell(*row, type), kCell);
+        for (const std::string& title : titles) {
+            print(line + pad(title, title_width), cells, plain);
+            line = pad("", kId) + pad("", kName);
+            cells.clear();
+        }
     }
-    out << "\nUnder each form: bytes of the request > bytes of the answer (number: a telephone number,\n"
-           "text: the modem's own words, file: a list in a file, -: nothing but the result).\n";
+    if (terminal && forms)
+        out << look.Dim(
+                   "Under each form: bytes of the request > bytes of the answer (number: a telephone "
+                   "number,\n"
+                   "text: the modem's own words, file: a list in a file, -: nothing but the result).")
+            << "\n";
 }
 
-Json ListJson() {
+Json ListJson(std::span<const Row* const> rows) {
     Json list = Json::array();
-    for (const Row& row : Commands()) {
-        Json one = HeadJson(row);
-        if (!ReportOnly(row)) one["types"] = TypesJson(row);
+    for (const Row* row : rows) {
+        Json one = HeadJson(*row);
+        if (!ReportOnly(*row)) one["types"] = TypesJson(*row);
         list.push_back(std::move(one));
     }
     return list;
 }
 
-void PrintCommand(std::ostream& out, const Paint& paint, const Row& row) {
-    out << paint.Bold(CommandName(row));
+void PrintCommand(std::ostream& out, const Look& look, const Row& row) {
+    out << look.Bold(CommandName(row));
     if (*row.title != '\0') out << "  " << row.title;
     out << "\n";
     Table head(2);
@@ -291,7 +309,7 @@ void PrintCommand(std::ostream& out, const Paint& paint, const Row& row) {
         }
         head.Row({"example", ExampleCall(row)});
     }
-    head.Print(out);
+    head.Print(out, look);
 
     for (const uint8_t type : kTypes) {
         if (TakesNumber(row, type))
@@ -301,10 +319,10 @@ void PrintCommand(std::ostream& out, const Paint& paint, const Row& row) {
         if (record == nullptr) continue;
         out << "\nrequest with " << TypeName(type) << ": " << record->name << ", "
             << Number(record->size, "byte", "bytes") << "\n";
-        PrintRecord(out, *record, &row);
-        if (row.encode.forms[0].format != nullptr) PrintForms(out, row);
+        PrintRecord(out, look, *record, &row);
+        if (row.encode.forms[0].format != nullptr) PrintForms(out, look, row);
     }
-    PrintAnswers(out, row);
+    PrintAnswers(out, look, row);
 }
 
 Json CommandJson(const Row& row) {

@@ -3,17 +3,20 @@
 
 #include <nlohmann/json_fwd.hpp>
 #include <ostream>
+#include <span>
 #include <string>
 
 #include "commands/row.h"
-#include "tools/atctl/text.h"
+#include "tools/shared/terminal.h"
 
 // What is known about the commands, without asking anybody.
 
-void PrintList(std::ostream& out, const Paint& paint);  // at most 100 columns
-nlohmann::ordered_json ListJson();
+// A line for each command; on a terminal lines that are no longer than it is wide (40 columns or more), and
+// what the columns say where there is room for it.
+void PrintList(std::ostream& out, const Look& look, std::span<const Row* const> rows);
+nlohmann::ordered_json ListJson(std::span<const Row* const> rows);
 
-void PrintCommand(std::ostream& out, const Paint& paint, const Row& row);
+void PrintCommand(std::ostream& out, const Look& look, const Row& row);
 nlohmann::ordered_json CommandJson(const Row& row);
 
 // Name, size and fields of a record. With the row of the request that carries it also which fields are

@@ -6,8 +6,9 @@
 #include <vector>
 
 #include "commands/catalog.h"
-#include "tools/atctl/misuse.h"
-#include "tools/atctl/text.h"
+#include "tools/shared/exit_status.h"
+#include "tools/shared/suggest.h"
+#include "tools/shared/text.h"
 
 namespace {
 
@@ -104,30 +105,35 @@ std::string CallFor(std::string_view syntax) {
 [[noreturn]] void RefuseUnknown(std::string_view name) {
     std::vector<std::pair<size_t, std::string>> near;
     const std::string_view bare = WithoutSign(name);
-    for (const Row& row : Commands()) {
-        const size_t distance =
-            EditDistance(bare, WithoutSign(row.name)) + (bare != name && name[0] != row.name[0] ? 1 : 0);
-        if (distance <= 1 + bare.size() / 4) near.emplace_back(distance, row.name);
-    }
+    std::vector<std::string> bare_names;
+    for (const Row& row : Commands())
+        bare_names.emplace_back(WithoutSign(row.name));
+    // Those with the sign that was typed stand first.
+    for (const std::string& found : Nearest(bare, bare_names))
+        for (const Row& row : Commands())
+            if (WithoutSign(row.name) == found)
+                near.emplace_back(
+                    EditDistance(bare, found) + (bare != name && name[0] != row.name[0] ? 1 : 0), row.name);
     std::stable_sort(near.begin(), near.end(), [](auto& a, auto& b) { return a.first < b.first; });
     std::vector<std::string> names;
     for (const auto& [distance, other] : near)
-        if (names.size() < 3 && std::find(names.begin(), names.end(), other) == names.end() && !other.empty())
+        if (names.size() < 3 && std::find(names.begin(), names.end(), other) == names.end())
             names.push_back(other);
-    std::string text = "there is no command \"" + Printable(name) + "\"";
-    if (!names.empty()) text += "; is it " + Join(names, " or ") + "?";
-    throw Misuse(text + (names.empty() ? "; atctl list shows them all" : ""));
+    throw Misuse("there is no command \"" + Printable(name) + "\"" +
+                 (names.empty() ? "; atctl list shows them all" : DidYouMean(names)));
 }
 
 // Refuses what is AT syntax rather than a name.
 void RefuseSyntax(std::string_view text) {
     if (Lower(text.substr(0, 2)) == "at") {
         const std::string call = CallFor(text.substr(2));
-        if (!call.empty()) throw Misuse("modules never send AT syntax, and names stand without AT: " + call);
+        if (!call.empty())
+            throw Misuse("modules never send AT syntax, they fill records; names stand without AT: " + call);
     }
     if (text.empty()) return;
     const std::string call = CallFor(text);
-    if (!call.empty()) throw Misuse("the server writes the AT line; give it the values one by one: " + call);
+    if (!call.empty())
+        throw Misuse("modules never send AT syntax, they fill records; values stand one by one: " + call);
 }
 
 }  // namespace
@@ -142,6 +148,18 @@ std::string CallName(const Call& call) {
 
 std::span<const Row> Commands() {
     return kCatalog;
+}
+
+std::vector<const Row*> CommandsWith(std::string_view text) {
+    const std::string lower = Lower(text);
+    const auto has = [&](std::string_view words) { return Lower(words).find(lower) != std::string::npos; };
+    std::vector<const Row*> rows;
+    for (const Row& row : Commands())
+        if (has(CommandName(row)) || has(row.title)) rows.push_back(&row);
+    if (rows.empty())
+        throw Misuse("no command has \"" + Printable(text) +
+                     "\" in its name or title; atctl list shows them all");
+    return rows;
 }
 
 const char* TypeName(uint8_t type) {
@@ -165,7 +183,7 @@ const Row& FindCommand(std::string_view name) {
                 return *row;
     if (Lower(name.substr(0, 2)) == "at")
         if (const Row* row = Lookup(name.substr(2)))
-            throw Misuse("names stand without AT: " + ShellWord(row->name));
+            throw Misuse("names stand without AT: atctl show " + ShellWord(row->name));
     RefuseUnknown(name);
 }
 
@@ -180,4 +198,27 @@ Call FindCall(std::string_view text) {
     }
     RefuseSyntax(text);
     RefuseUnknown(name);
+}
+
+std::string CallInstead(std::string_view text) {
+    if (text.empty()) return {};
+    try {
+        if (const Row* row = Lookup(text)) return "atctl send " + ShellWord(CommandName(*row));
+    } catch (const Misuse&) {
+        return {};
+    }
+    if (Lower(text.substr(0, 2)) == "at")
+        if (const std::string call = CallFor(text.substr(2)); !call.empty()) return call;
+    return CallFor(text);
+}
+
+void RefuseRaw(const std::vector<std::string>& words) {
+    std::string reason = "nothing is sent raw: modules never send AT syntax, they fill records; ";
+    const std::string text = Join(words, " ");
+    if (text.empty())
+        throw Misuse(reason + "atctl send COMMAND [FIELD...] fills one, atctl show COMMAND tells its fields");
+    const std::string call = CallInstead(text);
+    if (!call.empty()) throw Misuse(reason + "type: " + call);
+    throw Misuse(reason + "and there is no command for \"" + Printable(text) +
+                 "\" (atctl list shows those there are)");
 }

@@ -5,6 +5,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "commands/row.h"
 
@@ -18,6 +19,10 @@ struct Call {
 
 // The whole table, in search order.
 std::span<const Row> Commands();
+
+// Those that have the text in their name or title, in any case; all of them for "". Misuse when there is
+// none.
+std::vector<const Row*> CommandsWith(std::string_view text);
 
 inline constexpr uint8_t kTypes[] = {AT_CMD_TYPE_EXEC, AT_CMD_TYPE_SET, AT_CMD_TYPE_READ, AT_CMD_TYPE_TEST};
 // The name that people use: "AT" for the command that has none.
@@ -33,5 +38,12 @@ const Row& FindCommand(std::string_view name);
 
 // The command of a name with the suffix of a form: "+CSQ", "+CFUN=", "+CREG?", "+COPS=?".
 Call FindCall(std::string_view text);
+
+// The call of `atctl send` for a command, or for AT syntax with or without its "AT"; empty when it begins
+// with no command.
+std::string CallInstead(std::string_view text);
+
+// Refuses to send AT syntax, with what to type instead.
+[[noreturn]] void RefuseRaw(const std::vector<std::string>& words);
 
 #endif

@@ -4,8 +4,9 @@
 #include <vector>
 
 #include "records/message.h"
-#include "tools/atctl/misuse.h"
-#include "tools/atctl/text.h"
+#include "tools/shared/exit_status.h"
+#include "tools/shared/suggest.h"
+#include "tools/shared/text.h"
 
 namespace {
 
@@ -46,6 +47,6 @@ uint16_t ModuleFromText(std::string_view text) {
     const uint16_t id = ModuleFromNumber(text);
     if (id == 0 || id == AT_MODULE_SERVER)
         throw Misuse("there is no module \"" + Printable(text) + "\", only " + Join(names, ", ") +
-                     " and numbers from 1 to 0xFFFF but the server's");
+                     " and numbers from 1 to 0xFFFF but the server's" + DidYouMean(text, names));
     return id;
 }

@@ -13,9 +13,10 @@
 #include <fstream>
 #include <nlohmann/json.hpp>
 
-#include "tools/atctl/misuse.h"
 #include "tools/atctl/module_name.h"
 #include "tools/atctl/report_line.h"
+#include "tools/shared/exit_status.h"
+#include "tools/shared/text.h"
 
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
@@ -101,6 +102,8 @@ class Monitoring {
             if (!Pause(ends ? std::min(pause, left) : pause)) break;
             pause = std::min(pause * 2, kLongestPause);
         }
+        if (Stopped())
+            streams_.err << "atctl: interrupted after " << Number(printed_, "report", "reports") << '\n';
         return kExitGood;
     }
 
@@ -127,9 +130,11 @@ class Monitoring {
         const at_client_error error = at_client_next_report(queue.get(), &message, 0);
         if (error == AT_CLIENT_TIMED_OUT) return false;
         const std::string module = NameOfModule(at_client_module(queue.get()));
-        if (error == AT_CLIENT_QUEUE_GONE) throw Misuse("somebody removed the queue of module " + module);
+        if (error == AT_CLIENT_QUEUE_GONE) 
+            throw Failure(kExitBroken, "somebody removed the queue of module " + module);
         if (error != AT_CLIENT_OK)
-            throw Misuse("the queue of module " + module + " cannot be read: " + strerror(errno));
+            throw Failure(kExitBroken,
+                          "the queue of module " + module + " cannot be read: " + strerror(errno));
         timespec now = {};
         clock_gettime(CLOCK_REALTIME, &now);
         const Arrival arrival = ReadArrival(
@@ -138,8 +143,8 @@ class Monitoring {
         if (options_.json)
             streams_.out << ArrivalJson(arrival).dump() << std::endl;
         else
-            streams_.out << ArrivalLine(arrival, streams_.paint) << std::endl;
-        if (!streams_.out) throw Misuse("the output cannot be written");
+            streams_.out << ArrivalLine(arrival, streams_.look) << std::endl;
+        if (!streams_.out) throw Failure(kExitBroken, "the output cannot be written");
         ++printed_;
         return true;
     }
@@ -154,7 +159,7 @@ class Monitoring {
         if (options_.count == 0) return kExitGood;
         streams_.err << "atctl: the time is up after " << printed_ << " of "
                      << Number(options_.count, "report", "reports") << '\n';
-        return kExitNoAnswer;
+        return kExitNothingCame;
     }
 
     const MonitorOptions& options_;
@@ -177,9 +182,9 @@ void ModuleQueues::Open(const std::vector<uint16_t>& modules) {
         const at_client_error error = at_client_open(&options, &client);
         const int reason = errno;
         if (error != AT_CLIENT_OK) queues_.clear();
-        if (error == AT_CLIENT_QUEUE_TAKEN) throw Misuse(WhoseQueue(module));
+        if (error == AT_CLIENT_QUEUE_TAKEN) throw Failure(kExitTaken, WhoseQueue(module));
         if (error != AT_CLIENT_OK)
-            throw Misuse("no message queue can be made for module " + NameOfModule(module) + ": " +
+            throw Failure(kExitBroken, "no message queue can be made for module " + NameOfModule(module) + ": " +
                          strerror(reason));
         queues_.emplace_back(client);
     }

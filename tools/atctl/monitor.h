@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "client/at_client.h"
-#include "tools/atctl/send.h"
+#include "tools/atctl/streams.h"
 
 // `atctl monitor`: in the place of modules, takes what the server reports to them and prints it.
 
@@ -20,7 +20,7 @@ struct MonitorOptions {
 // Queues of modules, made at Open and removed at the end. Nothing of anybody else's is touched.
 class ModuleQueues {
   public:
-    // All or none: Misuse says whose queue is in the way.
+    // All or none: a Failure says whose queue is in the way.
     void Open(const std::vector<uint16_t>& modules);
 
     struct Closer {
@@ -38,7 +38,7 @@ struct MonitorSetup {
     int out_descriptor = -1;   // of the output, whose reader may go away; -1: not looked at
 };
 
-// The exit status: 0 at the end, 3 when the time ran out before the count. Throws Misuse.
+// The exit status: 0 at the end, 3 when the time ran out before the count. Throws a Failure.
 int Monitor(const MonitorOptions& options, const MonitorSetup& setup, const Streams& streams);
 
 #endif

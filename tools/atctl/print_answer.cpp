@@ -2,11 +2,13 @@
 
 #include <charconv>
 #include <nlohmann/json.hpp>
-#include <optional>
 #include <string_view>
 
 #include "tools/atctl/error_words.h"
 #include "tools/atctl/find_command.h"
+#include "tools/atctl/meaning.h"
+#include "tools/shared/table.h"
+#include "tools/shared/text.h"
 
 using Json = nlohmann::ordered_json;
 
@@ -28,47 +30,26 @@ std::string PlainText(const Value& value) {
         value.value);
 }
 
-// "of oper: 0 long name, 1 short name": the words behind one number. Empty when the meaning is not such a
-// list, or does not have the number.
-std::string_view WordsOf(std::string_view meaning, int32_t number) {
-    const std::string digits = std::to_string(number) + " ";
-    size_t begin = 0;
-    if (const size_t colon = meaning.find(": "); colon != std::string_view::npos) begin = colon + 2;
-    while (begin < meaning.size()) {
-        size_t end = begin;
-        // An item runs to the next comma with a number behind it.
-        do {
-            end = meaning.find(", ", end == begin ? begin : end + 1);
-            if (end == std::string_view::npos) end = meaning.size();
-        } while (end < meaning.size() && (meaning[end + 2] < '0' || meaning[end + 2] > '9'));
-        std::string_view item = meaning.substr(begin, end - begin);
-        if (item.starts_with(digits) && !item.substr(digits.size()).starts_with("to "))
-            return item.substr(digits.size());
-        begin = end + 2;
-    }
-    return {};
-}
-
-std::string_view WordsOf(const Value& value) {
-    const auto* number = std::get_if<int32_t>(&value.value);
-    return number == nullptr ? std::string_view() : WordsOf(value.field->meaning, *number);
-}
-
-void PrintEntries(std::ostream& out, const Decoded& decoded) {
+void PrintEntries(std::ostream& out, const Look& look, const Decoded& decoded) {
     if (decoded.entries.empty()) return;
     Table table(2);
     std::vector<std::string> head;
     const Record& entry = *decoded.record->entry;
     for (size_t i = 0; i < entry.count; ++i)
         head.emplace_back(entry.fields[i].name);
-    table.Row(std::move(head));
+    table.Head(std::move(head));
     for (const auto& values : decoded.entries) {
         std::vector<std::string> cells;
         for (const Value& value : values)
             cells.push_back(ValueText(value));
         table.Row(std::move(cells));
     }
-    table.Print(out);
+    if (look.width == 0 || table.Width() <= look.width) return table.Print(out, look);
+    // Too wide to be read as a table: each entry for itself.
+    for (size_t i = 0; i < decoded.entries.size(); ++i) {
+        out << look.Bold("  entry " + std::to_string(i + 1)) << '\n';
+        PrintFields(out, look, decoded.entries[i]);
+    }
 }
 
 Json FieldsJson(const std::vector<Value>& values) {
@@ -97,11 +78,6 @@ std::string HexText(const std::vector<uint8_t>& bytes) {
     return text;
 }
 
-std::string MeaningOf(const Value& value) {
-    const std::string_view words = WordsOf(value);
-    return std::string(words.empty() ? std::string_view(value.field->meaning) : words);
-}
-
 std::string ValueText(const Value& value) {
     std::string text = PlainText(value);
     if (const std::string_view words = WordsOf(value); !words.empty())
@@ -109,22 +85,28 @@ std::string ValueText(const Value& value) {
     return text;
 }
 
-void PrintFields(std::ostream& out, const std::vector<Value>& values) {
+void PrintFields(std::ostream& out, const Look& look, const std::vector<Value>& values) {
     Table table(2);
+    Table narrow(2);
     for (const Value& value : values) {
         const std::string meaning = MeaningOf(value);
-        table.Row({value.field->name, PlainText(value), meaning.empty() ? "" : "(" + meaning + ")"});
+        const std::string words = meaning.empty() ? "" : "(" + meaning + ")";
+        const std::string text = PlainText(value);
+        table.Row({value.field->name, text, words});
+        narrow.Row({value.field->name, text.empty() ? words : text + "  " + words});
     }
-    table.Print(out);
+    // A long value would push all the words aside.
+    const bool fits = look.width == 0 || table.WidthBeforeLast() + kLeastRoom <= look.width;
+    (fits ? table : narrow).Print(out, look);
 }
 
-void PrintAnswer(std::ostream& out, const Paint& paint, const Row& row, const Decoded& decoded) {
+void PrintAnswer(std::ostream& out, const Look& look, const Row& row, const Decoded& decoded) {
     const bool good = decoded.result == AT_RESULT_OK;
     const std::string name = CallName({&row, decoded.type});
-    out << paint.Bold(name);
+    out << look.Bold(name);
     if (*row.title != '\0') out << "  " << row.title;
     const std::string words = ResultWords(decoded.result);
-    out << ": " << (good ? paint.Good(words) : paint.Bad(words)) << '\n';
+    out << ": " << (good ? look.Good(words) : look.Bad(words)) << '\n';
 
     // That it went well is said already.
     if (!decoded.text.empty() && !(good && decoded.text == "OK")) {
@@ -132,14 +114,14 @@ void PrintAnswer(std::ostream& out, const Paint& paint, const Row& row, const De
         const std::string_view meaning = ErrorWords(decoded.result, decoded.text);
         table.Row({"text", Printable(decoded.text),
                    meaning.empty() ? "" : std::string("(").append(meaning).append(")")});
-        table.Print(out);
+        table.Print(out, look);
     }
     if (!decoded.raw.empty()) {
         out << "  " << decoded.raw.size() << " bytes without a description:\n";
         PrintHex(out, decoded.raw);
     }
-    PrintFields(out, decoded.fields);
-    PrintEntries(out, decoded);
+    PrintFields(out, look, decoded.fields);
+    PrintEntries(out, look, decoded);
     if (decoded.entries.size() < decoded.entries_told && decoded.file_fault.empty())
         out << "  " << decoded.entries.size() << " of " << decoded.entries_told
             << " entries fit the message\n";

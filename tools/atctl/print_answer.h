@@ -6,17 +6,14 @@
 #include <string>
 
 #include "tools/atctl/answer.h"
-#include "tools/atctl/text.h"
+#include "tools/shared/terminal.h"
 
 // Answers for people and for scripts.
-
-// What a value means: of a meaning that lists values ("0 off, 1 on") the words of this one, else all of it.
-std::string MeaningOf(const Value& value);
 
 // A value as people read it, and its words behind it where there are some ("2 (current)").
 std::string ValueText(const Value& value);
 
-void PrintAnswer(std::ostream& out, const Paint& paint, const Row& row, const Decoded& decoded);
+void PrintAnswer(std::ostream& out, const Look& look, const Row& row, const Decoded& decoded);
 
 // {command, type, id, result, result_text, fields and entries or text, para_len, ...}
 nlohmann::ordered_json AnswerJson(const Row& row, const Decoded& decoded);
@@ -29,6 +26,6 @@ void AddContentJson(nlohmann::ordered_json& json, const Decoded& decoded);
 std::string HexText(const std::vector<uint8_t>& bytes);
 
 // `name  value  (meaning)`, aligned.
-void PrintFields(std::ostream& out, const std::vector<Value>& values);
+void PrintFields(std::ostream& out, const Look& look, const std::vector<Value>& values);
 
 #endif

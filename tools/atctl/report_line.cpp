@@ -10,6 +10,7 @@
 #include "tools/atctl/find_command.h"
 #include "tools/atctl/module_name.h"
 #include "tools/atctl/print_answer.h"
+#include "tools/shared/text.h"
 
 using Json = nlohmann::ordered_json;
 
@@ -39,7 +40,23 @@ const Row* CommandOf(uint16_t id) {
     return found == commands.end() ? nullptr : &*found;
 }
 
-std::string Clock(const timespec& time) {
+const char* KindName(Arrival::Kind kind) {
+    switch (kind) {
+        case Arrival::Kind::report:
+            return "report";
+        case Arrival::Kind::answer:
+            return "answer";
+        case Arrival::Kind::unknown:
+            return "unknown";
+        case Arrival::Kind::foreign:
+            break;
+    }
+    return "foreign";
+}
+
+}  // namespace
+
+std::string ClockTime(const timespec& time) {
     tm parts = {};
     localtime_r(&time.tv_sec, &parts);
     char text[32];
@@ -58,26 +75,21 @@ std::string UtcTime(const timespec& time) {
     return text;
 }
 
-void AddFields(std::string& line, const std::vector<Value>& fields) {
-    for (const Value& value : fields) {
+std::string ContentText(const Decoded& content) {
+    std::string line;
+    for (const Value& value : content.fields) {
         // An empty text is a field that the modem did not tell.
         const auto* text = std::get_if<std::string>(&value.value);
         if (text != nullptr && text->empty()) continue;
         line.append("  ").append(value.field->name).append(" ").append(ValueText(value));
     }
-}
-
-void AddContent(std::string& line, const Arrival& arrival) {
-    const Decoded& content = arrival.content;
-    AddFields(line, content.fields);
     if (content.record != nullptr && content.record->entry != nullptr)
         line += "  entries " + std::to_string(content.entries.size());
-    const bool said = arrival.kind == Arrival::Kind::answer && content.text == "OK";
     // Lines of the modem come with their line breaks, which say nothing here.
     std::string text = content.text;
     while (!text.empty() && (text.back() == '\r' || text.back() == '\n'))
         text.pop_back();
-    if (!text.empty() && !said) {
+    if (!text.empty()) {
         line += "  \"" + Printable(text) + "\"";
         if (const std::string_view meaning = ErrorWords(content.result, content.text); !meaning.empty())
             line.append(" (").append(meaning).append(")");
@@ -86,23 +98,16 @@ void AddContent(std::string& line, const Arrival& arrival) {
     if (!content.file_fault.empty())
         line.append("  in the file ").append(content.file).append(", which cannot be used: ") +=
             content.file_fault;
+    return line;
 }
 
-const char* KindName(Arrival::Kind kind) {
-    switch (kind) {
-        case Arrival::Kind::report:
-            return "report";
-        case Arrival::Kind::answer:
-            return "answer";
-        case Arrival::Kind::unknown:
-            return "unknown";
-        case Arrival::Kind::foreign:
-            break;
-    }
-    return "foreign";
+std::string AnswerLine(const Row& row, const Decoded& content, const Look& look) {
+    const std::string result = ResultWords(content.result);
+    const std::string line = look.Bold(CallName({&row, content.type})) + ": " +
+                             (content.result == AT_RESULT_OK ? look.Good(result) : look.Bad(result));
+    // That it went well is said already.
+    return line + (content.text == "OK" ? "" : ContentText(content));
 }
-
-}  // namespace
 
 Arrival ReadArrival(const timespec& time, uint16_t module, long type, std::span<const uint8_t> body,
                     const FileReader& read_file) {
@@ -137,21 +142,19 @@ Arrival ReadArrival(const timespec& time, uint16_t module, long type, std::span<
     return arrival;
 }
 
-std::string ArrivalLine(const Arrival& arrival, const Paint& paint) {
+std::string ArrivalLine(const Arrival& arrival, const Look& look) {
     std::string module = NameOfModule(arrival.module);
     module.resize(std::max(module.size(), sizeof "toolkit" - 1), ' ');
-    std::string line = Clock(arrival.time) + "  " + module + "  ";
+    std::string line = ClockTime(arrival.time) + "  " + module + "  ";
     const Decoded& content = arrival.content;
     const std::string result = ResultWords(content.result);
     switch (arrival.kind) {
         case Arrival::Kind::report:
-            line += paint.Bold(arrival.report->title);
-            if (content.result != AT_RESULT_OK) line += ": " + paint.Bad(result);
+            line += look.Bold(arrival.report->title);
+            if (content.result != AT_RESULT_OK) line += ": " + look.Bad(result);
             break;
         case Arrival::Kind::answer:
-            line += "answer to " + paint.Bold(CallName({arrival.command, content.type})) + ": " +
-                    (content.result == AT_RESULT_OK ? paint.Good(result) : paint.Bad(result));
-            break;
+            return line + "answer to " + AnswerLine(*arrival.command, content, look);
         case Arrival::Kind::unknown:
             line += "unknown report " + HexNumber(arrival.id) + " type " + std::to_string(content.type);
             break;
@@ -159,8 +162,7 @@ std::string ArrivalLine(const Arrival& arrival, const Paint& paint) {
             line += "not a message of the server, " + Number(content.raw.size(), "byte", "bytes");
             break;
     }
-    AddContent(line, arrival);
-    return line;
+    return line + ContentText(content);
 }
 
 Json ArrivalJson(const Arrival& arrival) {

@@ -11,7 +11,7 @@
 #include "commands/row.h"
 #include "reports/report_catalog.h"
 #include "tools/atctl/answer.h"
-#include "tools/atctl/text.h"
+#include "tools/shared/terminal.h"
 
 // One message that came to a module, as one line.
 
@@ -35,8 +35,17 @@ struct Arrival {
 Arrival ReadArrival(const timespec& time, uint16_t module, long type, std::span<const uint8_t> body,
                     const FileReader& read_file);
 
+std::string ClockTime(const timespec& time);  // "12:30:01.250", local
+std::string UtcTime(const timespec& time);    // "2024-05-01T10:30:01.250Z"
+
+// "  rssi 20  ber 0": what an answer or a report holds, in one line behind whatever says what it is.
+std::string ContentText(const Decoded& content);
+
+// "+CSQ: OK  rssi 20  ber 0"
+std::string AnswerLine(const Row& row, const Decoded& content, const Look& look);
+
 // "12:30:01.250  sms      new message  memory SM  index 3", in local time, without a line break.
-std::string ArrivalLine(const Arrival& arrival, const Paint& paint);
+std::string ArrivalLine(const Arrival& arrival, const Look& look);
 
 // {time, module, module_id, kind, name and title or command, id, type, result, ..., fields or text or raw}
 nlohmann::ordered_json ArrivalJson(const Arrival& arrival);

@@ -7,8 +7,9 @@
 #include <limits>
 #include <string_view>
 
-#include "tools/atctl/misuse.h"
-#include "tools/atctl/text.h"
+#include "tools/shared/exit_status.h"
+#include "tools/shared/suggest.h"
+#include "tools/shared/text.h"
 
 namespace {
 
@@ -158,7 +159,8 @@ std::vector<std::pair<const Field*, std::string>> Assign(const Call& call, const
         const bool looks_named = equals != std::string::npos && IsIdentifier(word);
         if (looks_named)
             throw Misuse(name + " has no field \"" + word + "\"; its fields are " + names +
-                         " (a text with \"=\" in it needs its field's name in front)");
+                         " (a text with \"=\" in it needs its field's name in front)" +
+                         DidYouMean(word, FieldNames(record)));
         if (by_name)
             throw Misuse(name + ": \"" + Printable(argument) +
                          "\" stands behind a field given by name; values in order come first");

@@ -12,7 +12,7 @@
 #include "tools/atctl/describe.h"
 #include "tools/atctl/find_command.h"
 #include "tools/atctl/module_name.h"
-#include "tools/atctl/text.h"
+#include "tools/shared/text.h"
 
 // Writes the references as Markdown: of all commands, which is what `atctl show --json` tells of each, and of
 // all reports, which is what the server's catalogue of them says.

@@ -1,5 +1,5 @@
-#ifndef AT_TOOLS_ATCTL_STOP_SIGNAL_H
-#define AT_TOOLS_ATCTL_STOP_SIGNAL_H
+#ifndef AT_TOOLS_SHARED_STOP_SIGNAL_H
+#define AT_TOOLS_SHARED_STOP_SIGNAL_H
 
 // Ctrl-C and the like while a queue has to be removed first.
 

@@ -1,4 +1,4 @@
-#include "tools/atctl/stop_signal.h"
+#include "tools/shared/stop_signal.h"
 
 #include <csignal>
 #include <initializer_list>

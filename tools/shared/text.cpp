@@ -1,11 +1,7 @@
-#include "tools/atctl/text.h"
-
-#include <unistd.h>
+#include "tools/shared/text.h"
 
 #include <algorithm>
 #include <cstdio>
-#include <cstdlib>
-#include <numeric>
 
 namespace {
 
@@ -23,11 +19,6 @@ size_t CharacterSize(std::string_view text) {
         (first == 0xF0 && byte(1) < 0x90) || (first == 0xF4 && byte(1) > 0x8F))
         return 0;
     return size;
-}
-
-size_t Width(std::string_view text) {
-    return static_cast<size_t>(std::count_if(
-        text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
 }
 
 }  // namespace
@@ -94,27 +85,6 @@ std::string Number(size_t count, std::string_view one, std::string_view many) {
     return std::to_string(count).append(" ").append(count == 1 ? one : many);
 }
 
-size_t EditDistance(std::string_view a, std::string_view b) {
-    const std::string from = Lower(a);
-    const std::string to = Lower(b);
-    std::vector<size_t> before(to.size() + 1);
-    std::vector<size_t> last(to.size() + 1);
-    std::vector<size_t> costs(to.size() + 1);
-    std::iota(costs.begin(), costs.end(), size_t{0});
-    for (size_t i = 0; i < from.size(); ++i) {
-        before.swap(last);
-        last.swap(costs);
-        costs[0] = i + 1;
-        for (size_t j = 0; j < to.size(); ++j) {
-            const size_t other = from[i] == to[j] ? 0 : 1;
-            costs[j + 1] = std::min({last[j] + other, costs[j] + 1, last[j + 1] + 1});
-            if (i > 0 && j > 0 && from[i] == to[j - 1] && from[i - 1] == to[j])
-                costs[j + 1] = std::min(costs[j + 1], before[j - 1] + 1);
-        }
-    }
-    return costs.back();
-}
-
 std::string ShellWord(std::string_view text) {
     const bool plain = !text.empty() && std::all_of(text.begin(), text.end(), [](char c) {
         return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_' ||
@@ -127,30 +97,7 @@ std::string ShellWord(std::string_view text) {
     return word + "'";
 }
 
-void Table::Print(std::ostream& out) const {
-    std::vector<size_t> widths;
-    for (const auto& row : rows_)
-        for (size_t i = 0; i < row.size(); ++i) {
-            if (i == widths.size()) widths.push_back(0);
-            widths[i] = std::max(widths[i], Width(row[i]));
-        }
-    for (const auto& row : rows_) {
-        std::string line(indent_, ' ');
-        for (size_t i = 0; i < row.size(); ++i) {
-            line += row[i];
-            if (i + 1 < row.size()) line.append(widths[i] - Width(row[i]) + 2, ' ');
-        }
-        line.erase(line.find_last_not_of(' ') + 1);
-        out << line << '\n';
-    }
-}
-
-std::string Paint::Wrap(std::string_view code, std::string_view text) const {
-    if (!on) return std::string(text);
-    return std::string("\033[").append(code).append("m").append(text).append("\033[0m");
-}
-
-Paint PaintFor(int descriptor) {
-    const char* refused = getenv("NO_COLOR");
-    return {isatty(descriptor) == 1 && (refused == nullptr || *refused == '\0')};
+size_t Width(std::string_view text) {
+    return static_cast<size_t>(std::count_if(
+        text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
 }
