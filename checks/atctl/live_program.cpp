@@ -42,13 +42,18 @@ struct Terminal {
         close(other);
         close(own);
     }
-    // What was written so far, once there is something.
+    // What was written up to the first line break, which comes at the end.
     std::string Read() const {
-        pollfd end = {own, POLLIN, 0};
-        if (poll(&end, 1, 5000) <= 0) return {};
-        char text[65536];
-        const ssize_t got = read(own, text, sizeof text);
-        return {text, static_cast<size_t>(std::max<ssize_t>(got, 0))};
+        std::string written;
+        while (written.find('\n') == std::string::npos) {
+            pollfd end = {own, POLLIN, 0};
+            if (poll(&end, 1, 5000) <= 0) break;
+            char text[4096];
+            const ssize_t got = read(own, text, sizeof text);
+            if (got <= 0) break;
+            written.append(text, static_cast<size_t>(got));
+        }
+        return written;
     }
     int own;
     int other = -1;
