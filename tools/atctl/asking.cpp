@@ -79,8 +79,7 @@ bool Asking::Put(const Question& question) {
     clock_gettime(CLOCK_REALTIME_COARSE, &asked_at_);
     started_ = std::chrono::steady_clock::now();
     const Row& row = *question.call.row;
-    const Status status =
-        client_.Send({row.id, question.call.type, question.paras}, kFullQueuePatience);
+    const Status status = client_.Send({row.id, question.call.type, question.paras}, kFullQueuePatience);
     if (status != Status::ok && status != Status::stopped) throw PutFailure(status);
     return status == Status::ok;
 }

@@ -130,7 +130,7 @@ class Monitoring {
         const at_client_error error = at_client_next_report(queue.get(), &message, 0);
         if (error == AT_CLIENT_TIMED_OUT) return false;
         const std::string module = NameOfModule(at_client_module(queue.get()));
-        if (error == AT_CLIENT_QUEUE_GONE) 
+        if (error == AT_CLIENT_QUEUE_GONE)
             throw Failure(kExitBroken, "somebody removed the queue of module " + module);
         if (error != AT_CLIENT_OK)
             throw Failure(kExitBroken,
@@ -184,8 +184,8 @@ void ModuleQueues::Open(const std::vector<uint16_t>& modules) {
         if (error != AT_CLIENT_OK) queues_.clear();
         if (error == AT_CLIENT_QUEUE_TAKEN) throw Failure(kExitTaken, WhoseQueue(module));
         if (error != AT_CLIENT_OK)
-            throw Failure(kExitBroken, "no message queue can be made for module " + NameOfModule(module) + ": " +
-                         strerror(reason));
+            throw Failure(kExitBroken, "no message queue can be made for module " + NameOfModule(module) +
+                                           ": " + strerror(reason));
         queues_.emplace_back(client);
     }
 }
