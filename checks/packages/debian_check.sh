@@ -107,7 +107,7 @@ in_clean_root() {
 refuses_nobody() {
     local output
     output=$(setpriv --reuid=65534 --regid=65534 --clear-groups atctl send +CSQ --timeout 2 2>&1)
-    (($? == 2)) || { echo "status is not 2: $output"; return 1; }
+    (($? == 4)) || { echo "status is not 4: $output"; return 1; }
     echo "$output" && grep -qi 'user' <<<"$output"
 }
 
