@@ -94,7 +94,7 @@ DECODE_VECTOR(0x0630, Zupci, EverythingUnderEveryType) {
             EXPECT_EQ(Decode(0x0630, type, "35,1,2,3,\"Hello, \tyou\"").Record(),
                       Command(35, 1, 2, 3, "Hello, \tyou"));
             EXPECT_TRUE(Logged("tPara.cmdtype:35", "atdecode"));
-            EXPECT_EQ(Decode(0x0630, type, "33,1,2,3,\"x\"").Record(), Command(33, 1, 2, 3, "x"))
+            EXPECT_EQ(Decode(0x0630, type, "33,41,-52,63,\"x\"").Record(), Command(33, 41, -52, 63, "x"))
                 << "the decoder reads the text of any command";
             EXPECT_EQ(Decode(0x0630, type, "35,1").Record(), Command(35, 1, 0, 0, ""));
             EXPECT_EQ(Decode(0x0630, type, "35,1,2,3,\"\"").Record(), Command(35, 1, 2, 3, ""));
