@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <poll.h>
-#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -22,8 +21,7 @@ namespace modemsim {
 
 namespace {
 
-constexpr Time kShortestGap = std::chrono::milliseconds(1);  // between two pieces, so that they stay two
-constexpr Time kLongestPause = std::chrono::seconds(1);      // for a daemon that does not read
+constexpr Time kLongestPause = std::chrono::seconds(1);  // for a daemon that does not read
 
 struct Options {
     std::string file;
@@ -88,13 +86,11 @@ void Replayer::Unplug() {
     sent_ = 0;
 }
 
-// The daemon has read what it was sent: the next piece comes by itself, as it did.
+// The daemon has read what it was sent: the next piece comes by itself, as it did. poll() sees what is on its
+// way through the pty, too.
 bool Replayer::TakenUp() const {
-    const Time now = MonotonicTime();
-    int waiting = 0;
-    if (now < last_sent_ + kShortestGap) return false;
-    return now > last_sent_ + kLongestPause || !watch_.IsOpen() || ioctl(far_end_, TIOCINQ, &waiting) != 0 ||
-           waiting == 0;
+    pollfd unread = {far_end_, POLLIN, 0};
+    return !watch_.IsOpen() || MonotonicTime() > last_sent_ + kLongestPause || poll(&unread, 1, 0) == 0;
 }
 
 bool Replayer::Write() {
