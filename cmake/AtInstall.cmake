@@ -43,7 +43,8 @@ foreach(tool atctl modemsim cfgctl)
 endforeach()
 if(TARGET modemsim)
   # Where modemsim looks for them: beside its own bin directory.
-  install(DIRECTORY scenarios/ DESTINATION share/at-server/scenarios COMPONENT tools FILES_MATCHING PATTERN "*.modem")
+  install(DIRECTORY scenarios/ DESTINATION share/at-server/scenarios COMPONENT tools FILES_MATCHING PATTERN "*.modem"
+    PATTERN "*.rec")
 endif()
 
 # ---- development
