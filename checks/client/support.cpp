@@ -15,14 +15,6 @@ at_client_options OptionsFor(key_t server_key, unsigned flags) {
     return options;
 }
 
-Client Open(const at_client_options& options) {
-    at_client* client = nullptr;
-    const at_client_error error = at_client_open(&options, &client);
-    EXPECT_EQ(error, AT_CLIENT_OK) << at_client_error_text(error);
-    EXPECT_NE(client, nullptr);
-    return Client(client);
-}
-
 at_client_error RefusedOpening(const at_client_options& options) {
     at_client* client = reinterpret_cast<at_client*>(1);
     const at_client_error error = at_client_open(&options, &client);
@@ -36,11 +28,6 @@ bool QueueExists(key_t key) {
 
 int QueueOf(const Client& client) {
     return msgget(at_client_module(client.get()), 0);
-}
-
-size_t Waiting(int queue) {
-    msqid_ds state = {};
-    return msgctl(queue, IPC_STAT, &state) == 0 ? state.msg_qnum : SIZE_MAX;
 }
 
 void Fill(int queue) {
@@ -75,12 +62,6 @@ int32_t ValueOf(const at_client_message& message) {
     int32_t value = -1;
     EXPECT_EQ(at_client_record(&message, &value, sizeof value), AT_CLIENT_OK);
     return value;
-}
-
-at_client_stats StatsOf(const Client& client) {
-    at_client_stats stats;
-    at_client_get_stats(client.get(), &stats);
-    return stats;
 }
 
 bool InChild(const std::function<bool()>& act) {
