@@ -59,7 +59,7 @@ static int StartThread(at_client* client) {
     sigset_t before;
     sigfillset(&all);
     pthread_sigmask(SIG_BLOCK, &all, &before);
-    const int error = pthread_create(&client->thread, NULL, exchange_thread, client);
+    const int error = pthread_create(&client->thread, NULL, at_client_run_thread, client);
     pthread_sigmask(SIG_SETMASK, &before, NULL);
     client->threaded = error == 0;
     return error;
@@ -73,9 +73,9 @@ static at_client_error Failed(int error) {
 /* The queue, and what receives from it. */
 static at_client_error Start(at_client* client) {
     const unsigned flags = client->options.flags;
-    at_client_error error = queue_find_server(client);
+    at_client_error error = at_client_find_server(client);
     if (error != AT_CLIENT_OK && (flags & AT_CLIENT_NEED_SERVER) != 0) return error;
-    error = queue_open(client);
+    error = at_client_open_queue(client);
     if (error != AT_CLIENT_OK || (flags & AT_CLIENT_THREAD) == 0) return error;
     if (client->options.on_report == NULL) {
         client->fd = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
@@ -118,7 +118,7 @@ void at_client_close(at_client* client) {
     if (client->remove_queue)
         msgctl(client->queue, IPC_RMID, NULL);
     else if (client->queue >= 0)
-        queue_forget_wakes(client->queue);
+        at_client_forget_wakes(client->queue);
     if (client->fd >= 0) close(client->fd);
     pthread_mutex_destroy(&client->lock);
     pthread_cond_destroy(&client->changed);
@@ -129,7 +129,7 @@ void at_client_stop(at_client* client) {
     if (client == NULL) return;
     const int error = errno;
     atomic_store(&client->stopping, true);
-    if ((client->options.flags & AT_CLIENT_THREAD) != 0 && client->queue >= 0) queue_wake(client->queue);
+    if ((client->options.flags & AT_CLIENT_THREAD) != 0 && client->queue >= 0) at_client_wake(client->queue);
     errno = error;
 }
 

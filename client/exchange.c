@@ -72,15 +72,15 @@ static open_request* Asked(at_client* client, const at_client_message* message, 
     return oldest;
 }
 
-void exchange_sort(at_client* client, const wire_message* wire, size_t length) {
+void at_client_sort(at_client* client, const wire_message* wire, size_t length) {
     if (wire->mtype == WAKE_TYPE && length == 0) {
         ++client->wakes;
         return;
     }
     at_client_message message;
-    const bool good = message_read(&message, client->options.module, wire, length);
+    const bool good = at_client_read_message(&message, client->options.module, wire, length);
     const bool told = message.type == REPORT_TYPE;
-    const bool dial = told && message_is_dial(message.cmd_id, message.cmd_type);
+    const bool dial = told && at_client_is_dial(message.cmd_id, message.cmd_type);
     open_request* request = good && (!told || dial) ? Asked(client, &message, dial) : NULL;
     if (!good) {
         message.kind = AT_CLIENT_FOREIGN;
@@ -148,7 +148,7 @@ static void TakeIn(at_client* client, const open_request* wanted, bool want_repo
             }
             break;
         }
-        exchange_sort(client, &wire, (size_t)got);
+        at_client_sort(client, &wire, (size_t)got);
         any = true;
     }
     if (any) Changed(client);
@@ -216,7 +216,7 @@ static at_client_error Post(at_client* client, const wire_message* wire, deadlin
     bool looked_up = false;
     for (;;) {
         if (client->server < 0) {
-            const at_client_error error = queue_find_server(client);
+            const at_client_error error = at_client_find_server(client);
             if (error != AT_CLIENT_OK) return error;
             looked_up = true;
         }
@@ -262,7 +262,7 @@ static void CatchUp(at_client* client, bool dial, deadline_ns deadline) {
     int nap_us = SHORTEST_NAP_US;
     at_client_error error = AT_CLIENT_OK;
     while (client->reading && client->wakes == wakes && error == AT_CLIENT_OK) {
-        queue_wake(client->queue);
+        at_client_wake(client->queue);
         error = Wait(client, deadline, &nap_us, LONGEST_NAP_US);
     }
 }
@@ -270,7 +270,7 @@ static void CatchUp(at_client* client, bool dial, deadline_ns deadline) {
 /* With the lock held. */
 static at_client_error Send(at_client* client, uint16_t cmd_id, uint8_t cmd_type, const void* paras,
                             size_t paras_size, deadline_ns deadline, int32_t* number) {
-    CatchUp(client, message_is_dial(cmd_id, cmd_type), deadline);
+    CatchUp(client, at_client_is_dial(cmd_id, cmd_type), deadline);
     const at_client_error ended = Ended(client);
     if (ended != AT_CLIENT_OK) return ended;
     open_request* request = client->requests;
@@ -283,7 +283,8 @@ static at_client_error Send(at_client* client, uint16_t cmd_id, uint8_t cmd_type
     request->cmd_type = cmd_type;
     request->state = REQUEST_OPEN;
     wire_message wire;
-    message_request(&wire, request->type, client->options.module, cmd_id, cmd_type, paras, paras_size);
+    at_client_write_request(&wire, request->type, client->options.module, cmd_id, cmd_type, paras,
+                            paras_size);
     const at_client_error error = Post(client, &wire, deadline);
     if (error != AT_CLIENT_OK) {
         CloseRequest(client, request);
@@ -427,7 +428,7 @@ static void CallBack(at_client* client) {
     }
 }
 
-void* exchange_thread(void* argument) {
+void* at_client_run_thread(void* argument) {
     at_client* const client = argument;
     pthread_mutex_lock(&client->lock);
     while (client->fault == AT_CLIENT_OK && !atomic_load(&client->stopping)) {
@@ -442,7 +443,7 @@ void* exchange_thread(void* argument) {
         const int error = got < 0 ? errno : 0;
         pthread_mutex_lock(&client->lock);
         if (got >= 0)
-            exchange_sort(client, &wire, (size_t)got);
+            at_client_sort(client, &wire, (size_t)got);
         else if (error != EINTR)
             NoteFault(client, error);
         Changed(client);

@@ -1,7 +1,8 @@
 #ifndef AT_CLIENT_INTERNAL_H
 #define AT_CLIENT_INTERNAL_H
 
-/* What the files of the client library share. Not for its users. */
+/* What the files of the client library share. Not for its users, so hidden from whoever links a shared object
+ * that it went into; the names keep out of the way of a program's own. */
 
 #include <pthread.h>
 #include <stdatomic.h>
@@ -53,7 +54,7 @@ struct at_client {
     at_client_error fault;  /* not OK: the queue cannot be read any more */
     int fault_errno;
     bool reading;   /* the handle's thread takes in what comes; otherwise whoever waits does */
-    uint32_t wakes; /* messages of queue_wake that came */
+    uint32_t wakes; /* messages of at_client_wake that came */
     int server;     /* id of the server's queue, -1 unknown */
     int32_t next_type;
     open_request requests[AT_CLIENT_MOST_REQUESTS];
@@ -64,34 +65,39 @@ struct at_client {
     at_client_stats stats;
 };
 
+#pragma GCC visibility push(hidden)
+
 /* ---- message.c: one message, without locks or queues ---- */
 
 /* Reads what came off a queue; true when it is one of the server's to this module. */
-bool message_read(at_client_message* message, uint16_t module, const wire_message* wire, size_t length);
+bool at_client_read_message(at_client_message* message, uint16_t module, const wire_message* wire,
+                            size_t length);
 /* Writes a request. */
-void message_request(wire_message* wire, int32_t type, uint16_t module, uint16_t cmd_id, uint8_t cmd_type,
-                     const void* paras, size_t paras_size);
+void at_client_write_request(wire_message* wire, int32_t type, uint16_t module, uint16_t cmd_id,
+                             uint8_t cmd_type, const void* paras, size_t paras_size);
 /* Whether the answer to this request comes with the type of reports. */
-bool message_is_dial(uint16_t cmd_id, uint8_t cmd_type);
+bool at_client_is_dial(uint16_t cmd_id, uint8_t cmd_type);
 
 /* ---- queue.c: queues as the kernel has them ---- */
 
 /* Makes or finds the module's queue. What waited in a left-over one is put into client->reports. */
-at_client_error queue_open(at_client* client);
+at_client_error at_client_open_queue(at_client* client);
 /* Id of the server's queue into client->server. */
-at_client_error queue_find_server(at_client* client);
+at_client_error at_client_find_server(at_client* client);
 /* Makes a blocked reader of this queue look up. Safe in signal handlers. */
-void queue_wake(int queue);
-/* Takes off what queue_wake put there and nobody looked up for. */
-void queue_forget_wakes(int queue);
+void at_client_wake(int queue);
+/* Takes off what at_client_wake put there and nobody looked up for. */
+void at_client_forget_wakes(int queue);
 
 /* ---- exchange.c ---- */
 
 /* One message that came off the queue goes where it belongs. With client->lock held, or before it is needed.
  */
-void exchange_sort(at_client* client, const wire_message* wire, size_t length);
+void at_client_sort(at_client* client, const wire_message* wire, size_t length);
 
 /* The handle's thread. */
-void* exchange_thread(void* client);
+void* at_client_run_thread(void* client);
+
+#pragma GCC visibility pop
 
 #endif

@@ -8,7 +8,8 @@ _Static_assert(offsetof(MSG_BUF, aucDataBuf) - offsetof(MSG_BUF, usTargetModuleI
                    AT_CLIENT_PARAS_OFFSET,
                "where the parameters of an answer stand in what travels");
 
-bool message_read(at_client_message* message, uint16_t module, const wire_message* wire, size_t length) {
+bool at_client_read_message(at_client_message* message, uint16_t module, const wire_message* wire,
+                            size_t length) {
     memset(message, 0, sizeof *message);
     const bool whole = length == AT_WIRE_SIZE;
     message->length = (uint16_t)(length < AT_WIRE_SIZE ? length : AT_WIRE_SIZE);
@@ -29,8 +30,8 @@ bool message_read(at_client_message* message, uint16_t module, const wire_messag
            record.usMsgCmd == AT_MESSAGE_COMMAND && record.usTargetModuleID == module;
 }
 
-void message_request(wire_message* wire, int32_t type, uint16_t module, uint16_t cmd_id, uint8_t cmd_type,
-                     const void* paras, size_t paras_size) {
+void at_client_write_request(wire_message* wire, int32_t type, uint16_t module, uint16_t cmd_id,
+                             uint8_t cmd_type, const void* paras, size_t paras_size) {
     _BK_AT_CMD_T command = {.usCmdID = cmd_id, .ucCmdType = cmd_type, .usParaLen = (uint16_t)paras_size};
     if (paras_size != 0) memcpy(command.aucParas, paras, paras_size);
     MSG_BUF record = {.usTargetModuleID = AT_MODULE_SERVER,
@@ -44,7 +45,7 @@ void message_request(wire_message* wire, int32_t type, uint16_t module, uint16_t
     wire->body[AT_WIRE_SIZE] = 0;
 }
 
-bool message_is_dial(uint16_t cmd_id, uint8_t cmd_type) {
+bool at_client_is_dial(uint16_t cmd_id, uint8_t cmd_type) {
     return cmd_type == AT_CMD_TYPE_EXEC && (cmd_id == 0x0401 /* D */ || cmd_id == 0x040F /* +CDV */);
 }
 

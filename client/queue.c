@@ -7,13 +7,13 @@
 
 #include "client/internal.h"
 
-void queue_wake(int queue) {
+void at_client_wake(int queue) {
     const wire_message wire = {.mtype = WAKE_TYPE};
     /* When there is no room for it, there is a message to look up for. */
     msgsnd(queue, &wire, 0, IPC_NOWAIT);
 }
 
-void queue_forget_wakes(int queue) {
+void at_client_forget_wakes(int queue) {
     wire_message wire;
     while (msgrcv(queue, &wire, sizeof wire.body, WAKE_TYPE, IPC_NOWAIT | MSG_NOERROR) >= 0) {
     }
@@ -23,7 +23,7 @@ void queue_forget_wakes(int queue) {
  * kernel's note of the last reader is all that tells whose a queue is. */
 static void Claim(int queue) {
     const wire_message wire = {.mtype = WAKE_TYPE};
-    if (msgsnd(queue, &wire, 0, IPC_NOWAIT) == 0) queue_forget_wakes(queue);
+    if (msgsnd(queue, &wire, 0, IPC_NOWAIT) == 0) at_client_forget_wakes(queue);
 }
 
 /* Who last read a queue: alive (this process too), gone, or not known: nobody yet, or somebody out of sight.
@@ -44,7 +44,7 @@ static void TakeOver(at_client* client, int queue) {
     ssize_t got;
     while (client->report_count < AT_CLIENT_MOST_REPORTS &&
            (got = msgrcv(queue, &wire, sizeof wire.body, 0, IPC_NOWAIT | MSG_NOERROR)) >= 0)
-        exchange_sort(client, &wire, (size_t)got);
+        at_client_sort(client, &wire, (size_t)got);
 }
 
 static at_client_error Made(at_client* client, int queue, bool remove) {
@@ -90,7 +90,7 @@ static at_client_error MakeKept(at_client* client) {
     return Made(client, queue, false);
 }
 
-at_client_error queue_open(at_client* client) {
+at_client_error at_client_open_queue(at_client* client) {
     const at_client_queue kind = client->options.queue;
     if (client->options.module != AT_CLIENT_ANY_MODULE) {
         if (kind == AT_CLIENT_QUEUE_KEPT) return MakeKept(client);
@@ -108,7 +108,7 @@ at_client_error queue_open(at_client* client) {
     return error;
 }
 
-at_client_error queue_find_server(at_client* client) {
+at_client_error at_client_find_server(at_client* client) {
     const int32_t key = client->options.server_key != 0 ? client->options.server_key : AT_MODULE_SERVER;
     /* Asked with the right to write, so that a queue of somebody else's shows at once. */
     client->server = msgget((key_t)key, 0200);
@@ -121,7 +121,7 @@ at_client_error at_client_look_at_server(at_client* client, at_client_server* se
     if (client == NULL || server == NULL) return AT_CLIENT_MISUSE;
     memset(server, 0, sizeof *server);
     pthread_mutex_lock(&client->lock);
-    at_client_error error = queue_find_server(client);
+    at_client_error error = at_client_find_server(client);
     const int queue = client->server;
     pthread_mutex_unlock(&client->lock);
     if (error != AT_CLIENT_OK) return error;

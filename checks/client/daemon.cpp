@@ -63,14 +63,14 @@ TEST_P(WithDaemon, ARefusalComesBackWithItsText) {
 
 TEST_P(WithDaemon, ALateAnswerIsNotTheNextRequestsAnswer) {
     // The modem keeps the first answer until the second question has been put on the server's queue.
-    std::atomic<int> lines{0};
-    TheModem().SetAnswer([&](const std::string&) -> std::string {
-        return ++lines == 1 ? "" : "\r\n+CSQ: 7,99\r\n\r\nOK\r\n";
+    const auto lines = std::make_shared<std::atomic<int>>(0);
+    TheModem().SetAnswer([lines](const std::string&) -> std::string {
+        return ++*lines == 1 ? "" : "\r\n+CSQ: 7,99\r\n\r\nOK\r\n";
     });
     const Client client = OpenModule();
     AT_CSQ_EXEC_RES_PARA_T signal;
     ASSERT_EQ(FetchSignal(client, kShort, &signal), AT_CLIENT_TIMED_OUT);
-    ASSERT_TRUE(WaitUntil([&] { return lines == 1; }));
+    ASSERT_TRUE(WaitUntil([&] { return *lines == 1; }));
     std::thread late([&] {
         EXPECT_TRUE(WaitUntil([&] { return StatsOf(client).requests == 2 || Waiting(ServerQueue()) == 1; }));
         TheModem().Say("\r\n+CSQ: 31,99\r\n\r\nOK\r\n");
