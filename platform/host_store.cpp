@@ -54,12 +54,25 @@ enum Cause : uint32_t {
     kCauseWrite = 32
 };
 
+// A short value as a thread last read it. It stands as long as nothing was stored anywhere, which costs one
+// look at the store's state in place of a walk through its pages: the daemon asks for the same key 100 times
+// a second.
+struct Remembered {
+    uint32_t opening;  // 0: nothing
+    bool missing;
+    size_t state;  // the number of the transaction that stored last
+    char key[32];
+    char value[64];
+};
+constexpr size_t kRemembered = 8;
+
 // All of this belongs to the process and is shared by its threads: set under g_open_lock before g_state says
 // kOpen.
 pthread_mutex_t g_open_lock = PTHREAD_MUTEX_INITIALIZER;
 std::atomic<uint32_t> g_state{kUnopened};
 MDB_env* g_env = nullptr;
 MDB_dbi g_dbi = 0;
+std::atomic<uint32_t> g_openings{0};  // counts what makes g_env another one
 Reader g_readers[kReaders];
 char g_directory[512];
 bool g_fork_handler = false;
@@ -94,6 +107,7 @@ void ForgetAfterFork() {
         reader.taken.store(0);
     }
     g_env = nullptr;
+    g_openings.fetch_add(1, std::memory_order_relaxed);
     uint32_t open = kOpen;
     g_state.compare_exchange_strong(open, kUnopened);
 }
@@ -245,6 +259,7 @@ int OpenEnvironment(const char* directory) {
 }
 
 void CloseEnvironment() {
+    g_openings.fetch_add(1, std::memory_order_relaxed);
     for (Reader& reader : g_readers) {
         if (reader.transaction != nullptr) mdb_txn_abort(reader.transaction);
         reader.transaction = nullptr;
@@ -334,6 +349,22 @@ class ReadTransaction {
     int error_ = 0;
 };
 
+// The place of `key` among what this thread remembers; null when it is too long to be kept.
+Remembered* PlaceOf(const char* key) {
+    static thread_local Remembered remembered[kRemembered];
+    const size_t length = key == nullptr ? 0 : strnlen(key, sizeof Remembered::key);
+    if (length == 0 || length == sizeof Remembered::key) return nullptr;
+    return &remembered[(static_cast<unsigned char>(key[0]) + length) % kRemembered];
+}
+
+// Whether what stands at `place` is what the store holds for `key` now. For an open store.
+bool IsCurrent(const Remembered& place, const char* key) {
+    if (place.opening != g_openings.load(std::memory_order_relaxed) + 1) return false;
+    MDB_envinfo info;
+    return mdb_env_info(g_env, &info) == 0 && info.me_last_txnid == place.state &&
+           strcmp(place.key, key) == 0;
+}
+
 StoreResult CannotRead(int error) {
     Complain(kCauseRead, "cannot read the configuration store %s: %s; %s", g_directory, mdb_strerror(error),
              Advice(error));
@@ -389,12 +420,14 @@ void CloseStore() {
     pthread_mutex_unlock(&g_open_lock);
 }
 
-StoreResult ReadStore(const char* key, char* value, size_t room) {
+// Reads `key`. `state` becomes the number of the transaction that stored last when it was read.
+static StoreResult Read(const char* key, char* value, size_t room, size_t& state) {
     size_t length = KeyLength(key);
     if (length == 0) return StoreResult::kBadKey;
     if (!Ready()) return StoreResult::kUnreachable;
     ReadTransaction transaction;
     if (transaction.error() != 0) return CannotRead(transaction.error());
+    state = mdb_txn_id(transaction.get());
     MDB_val name = Bytes(key, length);
     MDB_val found;
     int error = mdb_get(transaction.get(), g_dbi, &name, &found);
@@ -404,6 +437,11 @@ StoreResult ReadStore(const char* key, char* value, size_t room) {
     memcpy(value, found.mv_data, found.mv_size);
     value[found.mv_size] = '\0';
     return StoreResult::kOk;
+}
+
+StoreResult ReadStore(const char* key, char* value, size_t room) {
+    size_t state;
+    return Read(key, value, room, state);
 }
 
 StoreResult WriteStore(const char* key, const char* value) {
@@ -479,7 +517,24 @@ void SetStoreComplaints(bool on) {
 
 extern "C" const char* cfg_get(const char* key) {
     static thread_local char value[kStoreValueMax + 1];
-    return ReadStore(key, value, sizeof value) == StoreResult::kOk ? value : nullptr;
+    Remembered* const place = PlaceOf(key);
+    if (place != nullptr && Ready() && IsCurrent(*place, key)) return place->missing ? nullptr : place->value;
+
+    size_t state = 0;
+    const StoreResult result = Read(key, value, sizeof value, state);
+    const bool known = result == StoreResult::kMissing || result == StoreResult::kOk;
+    if (place != nullptr && known) {
+        place->missing = result == StoreResult::kMissing;
+        const size_t length = place->missing ? 0 : strlen(value);
+        place->opening = length < sizeof place->value ? g_openings.load(std::memory_order_relaxed) + 1 : 0;
+        if (place->opening != 0) {
+            place->state = state;
+            snprintf(place->key, sizeof place->key, "%s", key);
+            memcpy(place->value, value, length);
+            place->value[length] = '\0';
+        }
+    }
+    return result == StoreResult::kOk ? value : nullptr;
 }
 
 extern "C" int cfg_set(const char* key, const char* value) {

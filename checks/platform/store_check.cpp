@@ -150,6 +150,38 @@ TEST_F(Store, TwoProcessesSeeEachOther) {
     EXPECT_EQ(InChild([] { return Value("ours") == "3" && Value("theirs") == "2" ? 0 : 1; }), 0);
 }
 
+// What a thread remembers of its last reads must not outlive a change, whoever makes it.
+TEST_F(Store, AValueReadAgainAndAgainFollowsEveryChange) {
+    ASSERT_EQ(Open(), StoreResult::kOk);
+    const char* const keys[] = {"ab", "ba",
+                                "a longer key than any that is remembered"};  // "ab" and "ac" share a place
+    for (const char* key : keys)
+        EXPECT_EQ(Value(key), "(missing)");
+    for (const size_t length : {0, 1, 63, 64, 65, 4095, 2})
+        for (const char* key : keys) {
+            const std::string wanted(length, key[1]);
+            EXPECT_EQ(InChild([&] { return cfg_set(key, wanted.c_str()); }), 0);
+            EXPECT_EQ(Value(key), wanted);
+            EXPECT_EQ(Value("ac"), "(missing)");
+            EXPECT_EQ(Value(key), wanted);
+            EXPECT_EQ(cfg_set(key, (wanted.substr(0, 50) + "!").c_str()), 0);
+            EXPECT_EQ(Value(key), wanted.substr(0, 50) + "!");
+            EXPECT_EQ(Value(key), wanted.substr(0, 50) + "!");
+        }
+}
+
+TEST_F(Store, AnotherStoreHasItsOwnValues) {
+    ASSERT_EQ(Open(), StoreResult::kOk);
+    EXPECT_EQ(cfg_set("mode", "first"), 0);
+    EXPECT_EQ(Value("mode"), "first");
+    ASSERT_EQ(OpenStore((parent_ / "other").c_str()), StoreResult::kOk);
+    EXPECT_EQ(cfg_set("none", "1"), 0);  // both have stored once
+    EXPECT_EQ(Value("mode"), "(missing)");
+    ASSERT_EQ(Open(), StoreResult::kOk);
+    EXPECT_EQ(Value("mode"), "first");
+    EXPECT_EQ(InChild([] { return Value("mode") == "first" ? 0 : 1; }), 0);
+}
+
 TEST_F(Store, ProcessesThatCreateItAtOnceShareIt) {
     std::vector<pid_t> children;
     for (int i = 0; i < 8; ++i) {
