@@ -1,10 +1,18 @@
-#include <stdio.h>
 #include <string.h>
 
 #include "codec/atcode.h"
+#include "records/state.h"
 
 // The suffix of each command type, by ucCmdType.
 static constexpr char kSuffixes[][3] = {"", "", "=", "?", "=?"};
+
+// Puts a part of the line at `end`; returns where the line ends then.
+template <size_t size>
+static char* Append(char* end, const char (&part)[size]) {
+    const size_t length = strnlen(part, size - 1);
+    memcpy(end, part, length);
+    return end + length;
+}
 
 int Bk_Generate_At_Cmd_Line(char* pOut, const _BK_AT_CMD_T* pCmd) {
     if (pOut == nullptr || pCmd == nullptr) return 0;
@@ -22,7 +30,11 @@ int Bk_Generate_At_Cmd_Line(char* pOut, const _BK_AT_CMD_T* pCmd) {
     memcpy(line.strCmdType, kSuffixes[pCmd->ucCmdType], sizeof line.strCmdType);
     item.pfnMakeCmd(&line, pCmd);
 
-    snprintf(pOut, 1024, "%s%s%s%.*s\r", line.strAtHead, line.strCmdName, line.strCmdType, kParaTextSize - 1,
-             line.strCmdParas);
+    static_assert(sizeof line < kLineSize);
+    char* end = Append(pOut, line.strAtHead);
+    end = Append(end, line.strCmdName);
+    end = Append(end, line.strCmdType);
+    end = Append(end, line.strCmdParas);
+    memcpy(end, "\r", sizeof "\r");
     return 0;
 }
