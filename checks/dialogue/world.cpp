@@ -21,7 +21,6 @@
 
 namespace {
 
-constexpr char kDevice[] = "/dev/ttyUSB1";
 constexpr char kLogSocket[] = "/dev/log";
 
 struct Wire {
@@ -44,16 +43,16 @@ bool WaitUntil(const std::function<bool()>& condition, double seconds) {
     return true;
 }
 
-Modem::Modem(Answer answer) : answer_(std::move(answer)) {
+Modem::Modem(Answer answer, const char* device) : answer_(std::move(answer)), device_(device) {
     Plug();
 }
 
 void Modem::Plug() {
     struct stat existing;
-    if (lstat(kDevice, &existing) == 0) {
+    if (lstat(device_, &existing) == 0) {
         if (!S_ISLNK(existing.st_mode))
-            throw std::runtime_error("/dev/ttyUSB1 is a real device: not in a sandbox?");
-        unlink(kDevice);
+            throw std::runtime_error(std::string(device_) + " is a real device: not in a sandbox?");
+        unlink(device_);
     }
     master_ = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
     Require(master_ >= 0 && unlockpt(master_) == 0, "pty");
@@ -67,7 +66,7 @@ void Modem::Plug() {
     tcgetattr(slave_, &raw);
     cfmakeraw(&raw);
     tcsetattr(slave_, TCSANOW, &raw);
-    Require(symlink(name, kDevice) == 0, kDevice);
+    Require(symlink(name, device_) == 0, device_);
     stop_ = false;
     deaf_ = false;
     thread_ = std::thread([this] { Run(); });
@@ -84,7 +83,7 @@ void Modem::Unplug() {
     if (slave_ >= 0) close(slave_);
     if (master_ >= 0) close(master_);
     slave_ = master_ = -1;
-    unlink(kDevice);
+    unlink(device_);
 }
 
 void Modem::StopReading() {

@@ -20,13 +20,13 @@
 // Calls `condition` until it is true or `seconds` have passed; its last value.
 bool WaitUntil(const std::function<bool()>& condition, double seconds = 5);
 
-// The modem: a raw pty linked at /dev/ttyUSB1. Each line that arrives (up to a CR, or up to 0x1A) is answered
-// with what `answer` returns; nothing is sent for an empty text.
+// The modem: a raw pty linked at the daemon's device, or at `device`. Each line that arrives (up to a CR, or
+// up to 0x1A) is answered with what `answer` returns; nothing is sent for an empty text.
 class Modem {
   public:
     using Answer = std::function<std::string(const std::string& line)>;
 
-    explicit Modem(Answer answer);
+    explicit Modem(Answer answer, const char* device = "/dev/ttyUSB1");
     ~Modem();
     Modem(const Modem&) = delete;
     Modem& operator=(const Modem&) = delete;
@@ -49,6 +49,7 @@ class Modem {
     mutable std::mutex lock_;
     std::mutex saying_;
     Answer answer_;
+    const char* device_;
     std::vector<std::string> lines_;
     std::string bytes_;
     int master_ = -1;
