@@ -159,19 +159,32 @@ int Reserve(int file) {
     return result == 0 || errno == EOPNOTSUPP || errno == ENOSYS ? 0 : errno;
 }
 
+// What root makes belongs to whom the store's directory belongs: to the user of the daemon, which must be
+// able to open it, whoever asked first. Refused where that user does not exist for this process: then it
+// stays root's.
+void GiveTo(int file, const struct stat& owner) {
+    struct stat about;
+    if (geteuid() != 0 || fstat(file, &about) != 0) return;
+    if (about.st_uid == owner.st_uid && about.st_gid == owner.st_gid) return;
+    if (fchown(file, owner.st_uid, owner.st_gid) != 0) return;
+}
+
 // Makes sure that LMDB finds both files with their room on the disk. The reader table is written through a
 // memory map, where a full disk would end the process with SIGBUS, so its bytes are really written when they
 // cannot be reserved. What a killed or failed creation left is emptied. 0, or the error with `path` naming
 // the culprit.
-int PrepareFiles(const char* directory, char* path, size_t room) {
+int PrepareFiles(const char* directory, const struct stat& owner, char* path, size_t room) {
     snprintf(path, room, "%s/lock.mdb", directory);
-    int file = open(path, O_RDWR | O_CREAT | O_CLOEXEC, 0644);
+    // No link: root must not be led out of the directory of another user.
+    constexpr int kFlags = O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC;
+    int file = open(path, kFlags, 0644);
     if (file < 0) return errno;
     struct stat about;
     int error = 0;
     if (fstat(file, &about) != 0) {
         error = errno;
     } else if (about.st_size < kEmptyBytes) {
+        GiveTo(file, owner);
         static const char zeros[kLockBytes] = {};
         ssize_t written = pwrite(file, zeros, sizeof zeros, 0);
         if (written != kLockBytes) {
@@ -183,11 +196,12 @@ int PrepareFiles(const char* directory, char* path, size_t room) {
     if (error != 0) return error;
 
     snprintf(path, room, "%s/data.mdb", directory);
-    file = open(path, O_RDWR | O_CREAT | O_CLOEXEC, 0644);
+    file = open(path, kFlags, 0644);
     if (file < 0) return errno;
     if (fstat(file, &about) != 0) {
         error = errno;
     } else if (about.st_size < kEmptyBytes) {
+        GiveTo(file, owner);
         if (about.st_size != 0 && ftruncate(file, 0) != 0) error = errno;
         if (error == 0) error = Reserve(file);
     }
@@ -285,7 +299,10 @@ StoreResult OpenLocked(const char* directory) {
     while (flock(lock, LOCK_EX) != 0 && errno == EINTR) {
     }
     char path[sizeof g_directory + 16];
-    int error = PrepareFiles(directory, path, sizeof path);
+    snprintf(path, sizeof path, "%s", directory);
+    struct stat owner;
+    if (made && fstatat(lock, "..", &owner, 0) == 0) GiveTo(lock, owner);
+    int error = fstat(lock, &owner) == 0 ? PrepareFiles(directory, owner, path, sizeof path) : errno;
     if (error == 0) {
         error = OpenEnvironment(directory);
         if (error != 0) CloseEnvironment();

@@ -68,7 +68,9 @@ in_clean_root() {
     check "/etc/cusd is the service's" owned_by "at-server:at-server 644" /etc/cusd
     check "the service is enabled" test -L /etc/systemd/system/multi-user.target.wants/at-server.service
 
-    # The programs, as the service's user and as root.
+    # The programs, as the service's user and as root. (Root's cfgctl is the first to use the store.)
+    check "cfgctl" cfgctl set WatchDog_Setting_Option off
+    check "the store is the service's" owned_by "at-server:at-server 644" /etc_rw/config/.store/data.mdb
     modemsim default >/tmp/modemsim.out 2>&1 &
     local modem=$! pty
     check "modemsim starts, and finds its scenarios" wait_for test -L /dev/ttyUSB1

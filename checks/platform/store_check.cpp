@@ -442,6 +442,32 @@ TEST_F(Store, AStoreOfAnotherUserIsSaidAndLeftAlone) {
     EXPECT_EQ(Value("key"), "value");
 }
 
+TEST_F(Store, WhatRootMakesBelongsToTheOwnerOfTheDirectoryAbove) {
+    constexpr uid_t kUser = 12'345;
+    constexpr gid_t kGroup = 23'456;
+    if (chown(parent_.c_str(), kUser, kGroup) != 0) GTEST_SKIP() << "only root can give files away";
+    ASSERT_EQ(Open(), StoreResult::kOk);
+    cfg_set("key", "value");
+    for (const fs::path& path : {directory_, directory_ / "data.mdb", directory_ / "lock.mdb"}) {
+        struct stat about;
+        ASSERT_EQ(stat(path.c_str(), &about), 0) << path;
+        EXPECT_EQ(about.st_uid, kUser) << path;
+        EXPECT_EQ(about.st_gid, kGroup) << path;
+    }
+}
+
+TEST_F(Store, ALinkInThePlaceOfAFileIsNotFollowed) {
+    const fs::path elsewhere = parent_ / "elsewhere";
+    for (const char* file : {"data.mdb", "lock.mdb"}) {
+        fs::create_directory(directory_);
+        std::ofstream(elsewhere) << "text";
+        fs::create_symlink(elsewhere, directory_ / file);
+        EXPECT_EQ(Open(), StoreResult::kUnreachable) << file;
+        EXPECT_EQ(fs::file_size(elsewhere), 4U) << file;
+        fs::remove_all(directory_);
+    }
+}
+
 // Runs `body` in a child that has a file system of `kilobytes` on the parent directory.
 int OnSmallDisk(const fs::path& at, int kilobytes, const std::function<int()>& body) {
     return InChild([&] {
