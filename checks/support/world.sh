@@ -1,13 +1,13 @@
 # Sourced by checks that are shell scripts and run in scripts/sandbox: starts a simulated modem and a daemon.
 
-# Until a command succeeds, 20 s at most.
+# Until a command succeeds, a minute at most.
 wait_for() {
     local i
-    for ((i = 0; i < 200; ++i)); do
+    for ((i = 0; i < 600; ++i)); do
         "$@" >/dev/null 2>&1 && return
         sleep 0.1
     done
-    echo "this did not happen in 20 s: $*" >&2
+    echo "this did not happen in a minute: $*" >&2
     return 1
 }
 
