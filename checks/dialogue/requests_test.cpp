@@ -321,28 +321,6 @@ TEST_F(Requests, NulBytesEndTheirChunkOnly) {
     ExpectStillServing();
 }
 
-TEST_F(Requests, PortThatClosesWhileIdleFailsTheNextWrite) {
-    // A world of its own: its modem does not come back.
-    TearDownTestSuite();
-    {
-        World world(PlainAnswer);
-        Module module(0x1234);
-        EXPECT_EQ(module.Exchange(0x0604, kExec).I32(0), 20);
-        world.modem.Unplug();
-        module.Ask(0x0604, kExec);
-        EXPECT_TRUE(world.log.WaitFor("[error]:Send AT command Error!error code:42505"));
-        EXPECT_TRUE(world.log.WaitFor("Postponed failure! Reset modem from usb host! "));
-        EXPECT_TRUE(WaitUntil([] { return std::string(cfg_get("usb_reset")) == "activated"; }));
-        EXPECT_STREQ(cfg_get("port_stat"), "port_close");
-        Received answer;
-        ASSERT_TRUE(module.Receive(answer, 20)) << "the time-out answers what could not be sent";
-        EXPECT_EQ(answer.result, 5);
-        EXPECT_EQ(answer.id, 0x0604);
-        EXPECT_TRUE(world.daemon.Running());
-    }
-    SetUpTestSuite();
-}
-
 TEST_F(Requests, SilentModemGivesResult5AndCountsAsLost) {
     TheModem().SetAnswer([](const std::string&) { return std::string(); });
     Module module(0x1234);

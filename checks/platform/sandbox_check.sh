@@ -134,6 +134,9 @@ mkdir "$work/with blank"
 out=$(cd "$work/with blank" && "$sandbox" --rw . -- sh -c 'touch "a b"; ls "$1"' sh 'a b' 2>&1)
 report "blanks in names" "a b" "$out"
 
+out=$("$sandbox" --room 262144 -- sh -c 'head -c 1048576 /dev/zero >/etc_rw/config/x; stat -c %s /etc_rw/config/x' 2>&1)
+report "--room bounds what the configuration directory takes" 262144 "$(tail -n 1 <<<"$out")"
+
 # Two at once: each makes queue 0x1000 for itself and waits for the other one.
 meet="perl $work/make_queue 0x1000 && ls /etc_rw/config && touch $work/out/\$0 /etc_rw/config/\$0 || exit 9
       for i in \$(seq 500); do [ -e $work/out/\$1 ] && break; sleep 0.01; done
@@ -167,7 +170,7 @@ report "a sandbox within a sandbox" inner "$out"
 
 # ---- misuse ----
 
-for line in "" "--" "--rw" "--rw /nonexistent -- true" "--mode vm -- true" "--nonsense" "--msgmnb many -- true"; do
+for line in "" "--" "--rw" "--rw /nonexistent -- true" "--mode vm -- true" "--nonsense" "--msgmnb many -- true" "--room much -- true"; do
     out=$("$sandbox" $line 2>&1)
     report "misuse '$line' is 2 and one line" "2:1" "$?:$(wc -l <<<"$out")"
 done
