@@ -90,7 +90,7 @@ std::string Talker::RandomReport() {
 std::string Talker::Answer(const std::string& line) {
     // An empty line stands between a carriage return and what follows it.
     if (line.empty()) return "";
-    if (MayGoUnanswered(line) && Chance(3000) == 0) {
+    if (MayGoUnanswered(line) && Chance(1000) == 0) {
         ++silences;
         return "";
     }
