@@ -308,7 +308,7 @@ TEST(Redact, WritesARecordingWithoutPrivateData) {
     Program redact({"redact", file, out});
     EXPECT_EQ(redact.Status(), 0);
     EXPECT_EQ(redact.Err(),
-              "modemsim: 1 comments stand as they were: look whether they tell anything private\n");
+              "modemsim: comments stand as they were (lines: 1): look whether they tell anything private\n");
     const ParsedRecording parsed = LoadRecording(out);
     ASSERT_TRUE(parsed.Ok());
     EXPECT_TRUE(parsed.recording.redacted);

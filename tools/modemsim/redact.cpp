@@ -46,9 +46,10 @@ int Start(const Options& options) {
         return entry.kind == Entry::Kind::Comment && entry.text.find('#') != std::string::npos;
     });
     if (comments != 0)
-        std::fprintf(stderr,
-                     "modemsim: %ld comments stand as they were: look whether they tell anything private\n",
-                     static_cast<long>(comments));
+        std::fprintf(
+            stderr,
+            "modemsim: comments stand as they were (lines: %ld): look whether they tell anything private\n",
+            static_cast<long>(comments));
     return 0;
 }
 
