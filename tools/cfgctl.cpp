@@ -1,14 +1,19 @@
 // cfgctl: reads and changes the configuration store from a shell.
 
+#include <errno.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
+#include <unistd.h>
+
+#include <initializer_list>
 
 #include "platform/host_store.h"
+#include "tools/shared/edit_distance.h"
 
 namespace {
 
-enum Exit { kDone = 0, kNoSuchKey = 1, kMisuse = 2, kNoStore = 3 };
+enum Exit { kDone = 0, kNoSuchKey = 1, kMisuse = 2, kNoStore = 3, kNoPermission = 4 };
 
 constexpr char kHelp[] =
     "Usage: cfgctl get KEY          print the value of KEY; exit 1 when it is missing\n"
@@ -20,11 +25,12 @@ constexpr char kHelp[] =
     "KEY has 1 to 255 bytes, no control characters and no '='; VALUE has up to 4095 bytes.\n"
     "'list' shows control characters of a value as \\n, \\r, \\t or \\xHH; 'get' prints it as it is.\n"
     "\n"
-    "Exit status: 0 done, 1 no such key, 2 misuse, 3 the store or the output cannot be used.\n";
+    "Exit status: 0 done, 1 no such key, 2 misuse, 3 the store or the output cannot be used,\n"
+    "4 no permission to use the store.\n";
 static_assert(kStoreKeyMax == 255 && kStoreValueMax == 4095);
 
-int Misuse(const char* what, const char* about = "") {
-    fprintf(stderr, "cfgctl: %s%s; try cfgctl --help\n", what, about);
+int Misuse(const char* what) {
+    fprintf(stderr, "cfgctl: %s; try cfgctl --help\n", what);
     return kMisuse;
 }
 
@@ -41,7 +47,58 @@ const char* KeyFault(const char* key) {
 
 int Unusable() {
     fprintf(stderr, "cfgctl: %s\n", StoreComplaint());
-    return kNoStore;
+    const char* const place = access(kStoreDirectory, F_OK) == 0 ? kStoreDirectory : kStoreParent;
+    // Looking for it fails in the same way where a directory above may not be entered.
+    const bool refused = access(place, R_OK | W_OK | X_OK) != 0 && errno == EACCES;
+    return refused ? kNoPermission : kNoStore;
+}
+
+// The name nearest to what was typed, of those it is shown.
+class Nearest {
+  public:
+    explicit Nearest(const char* typed) : typed_(typed), least_(2 + strlen(typed) / 4) {}
+
+    void Look(const char* name, size_t length) {
+        const size_t distance = EditDistance(typed_, strlen(typed_), name, length);
+        if (distance >= least_ || length > kStoreKeyMax) return;
+        for (size_t i = 0; i < length; ++i)
+            if (static_cast<unsigned char>(name[i]) < ' ' || name[i] == 0x7f) return;
+        least_ = distance;
+        memcpy(name_, name, length);
+        name_[length] = '\0';
+    }
+    // "; did you mean NAME?" on standard error, if there is one.
+    void Suggest() const {
+        if (*name_ != '\0') fprintf(stderr, "; did you mean %s?", name_);
+    }
+
+  private:
+    const char* typed_;
+    size_t least_;  // what is as far away is not near
+    char name_[kStoreKeyMax + 1] = {};
+};
+
+void LookAtKey(const char* key, size_t key_length, const char*, size_t, void* nearest) {
+    static_cast<Nearest*>(nearest)->Look(key, key_length);
+}
+
+int NoSuchKey(const char* key) {
+    Nearest nearest(key);
+    WalkStore(LookAtKey, &nearest);
+    fprintf(stderr, "cfgctl: there is no key %s", key);
+    nearest.Suggest();
+    fputc('\n', stderr);
+    return kNoSuchKey;
+}
+
+int UnknownCommand(const char* command) {
+    Nearest nearest(command);
+    for (const char* const known : {"get", "set", "list"})
+        nearest.Look(known, strlen(known));
+    fprintf(stderr, "cfgctl: there is no command %s", command);
+    nearest.Suggest();
+    fputs("; try cfgctl --help\n", stderr);
+    return kMisuse;
 }
 
 int Written() {
@@ -57,7 +114,7 @@ int Get(const char* key) {
             puts(value);
             return Written();
         case StoreResult::kMissing:
-            return kNoSuchKey;
+            return NoSuchKey(key);
         default:
             return Unusable();
     }
@@ -139,7 +196,7 @@ int main(int argc, char** argv) {
     }
     if (strcmp(command, "list") == 0) return argc == 2 ? List() : Misuse("list takes no arguments");
     bool get = strcmp(command, "get") == 0;
-    if (!get && strcmp(command, "set") != 0) return Misuse("unknown command: ", command);
+    if (!get && strcmp(command, "set") != 0) return UnknownCommand(command);
     if (argc != (get ? 3 : 4)) return Misuse(get ? "get takes KEY" : "set takes KEY and VALUE");
     if (const char* fault = KeyFault(argv[2])) return Misuse(fault);
     return get ? Get(argv[2]) : Set(argv[2], argv[3]);

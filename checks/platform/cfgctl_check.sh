@@ -28,11 +28,13 @@ expect() {
     fi
 }
 
-expect "get of a missing key" 1 '' '' "$cfgctl" get port_stat
+expect "get of a missing key" 1 '' 'cfgctl: there is no key port_stat' "$cfgctl" get port_stat
 expect "list of an empty store" 0 '' '' "$cfgctl" list
 expect "set" 0 '' '' "$cfgctl" set port_stat port_open
 expect "get" 0 $'port_open\n' '' "$cfgctl" get port_stat
-expect "get of a prefix" 1 '' '' "$cfgctl" get port_sta
+expect "get of a prefix" 1 '' 'cfgctl: there is no key port_sta; did you mean port_stat\?' "$cfgctl" get port_sta
+expect "get of another key" 1 '' 'cfgctl: there is no key xyzzy' "$cfgctl" get xyzzy
+expect "an unknown command" 2 '' 'cfgctl: there is no command lst; did you mean list\?; try cfgctl --help' "$cfgctl" lst
 expect "set of an empty value" 0 '' '' "$cfgctl" set AT_Test ''
 expect "get of an empty value" 0 $'\n' '' "$cfgctl" get AT_Test
 expect "set of control characters" 0 '' '' "$cfgctl" set text $'a\nb\tc\rd\001 \\ ü=='
@@ -57,6 +59,17 @@ expect "--version" 0 "$("$cfgctl" --version)"$'\n' '' "$cfgctl" --version
 [[ $("$cfgctl" --help) = Usage:* ]] || { echo "FAILED  --help"; failures=1; }
 expect "output that cannot be written" 3 '' 'cfgctl: standard output: No space left on device' \
     sh -c '"$0" list >/dev/full' "$cfgctl"
+
+# Where there is another user to be.
+nobody=(setpriv --reuid=65534 --regid=65534 --clear-groups)
+if "${nobody[@]}" "$cfgctl" --version >/dev/null 2>&1; then
+    chmod 700 /etc_rw/config
+    expect "another user may not" 4 '' "cfgctl: cannot open ${any}Permission denied; run as the user that owns it$any" \
+        "${nobody[@]}" "$cfgctl" get port_stat
+    chmod 755 /etc_rw/config
+    expect "another user may not write" 4 '' "cfgctl: ${any}Permission denied; run as the user that owns it$any" \
+        "${nobody[@]}" "$cfgctl" set port_stat port_close
+fi
 
 mv /etc_rw/config /etc_rw/elsewhere
 missing='cfgctl: cannot open the configuration store /etc_rw/config/.store: No such file or directory; '"$any"

@@ -1,30 +1,13 @@
 #include "tools/shared/suggest.h"
 
 #include <algorithm>
-#include <numeric>
 #include <utility>
 
+#include "tools/shared/edit_distance.h"
 #include "tools/shared/text.h"
 
 size_t EditDistance(std::string_view a, std::string_view b) {
-    const std::string from = Lower(a);
-    const std::string to = Lower(b);
-    std::vector<size_t> before(to.size() + 1);
-    std::vector<size_t> last(to.size() + 1);
-    std::vector<size_t> costs(to.size() + 1);
-    std::iota(costs.begin(), costs.end(), size_t{0});
-    for (size_t i = 0; i < from.size(); ++i) {
-        before.swap(last);
-        last.swap(costs);
-        costs[0] = i + 1;
-        for (size_t j = 0; j < to.size(); ++j) {
-            const size_t other = from[i] == to[j] ? 0 : 1;
-            costs[j + 1] = std::min({last[j] + other, costs[j] + 1, last[j + 1] + 1});
-            if (i > 0 && j > 0 && from[i] == to[j - 1] && from[i - 1] == to[j])
-                costs[j + 1] = std::min(costs[j + 1], before[j - 1] + 1);
-        }
-    }
-    return costs.back();
+    return EditDistance(a.data(), a.size(), b.data(), b.size());
 }
 
 std::vector<std::string> Nearest(std::string_view typed, std::span<const std::string> names) {

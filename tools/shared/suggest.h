@@ -9,8 +9,7 @@
 
 // What was meant, where something was typed that does not exist.
 
-// Insertions, deletions and exchanges of characters, and swaps of neighbours, that lead from one text to the
-// other, whatever their case.
+// See tools/shared/edit_distance.h.
 size_t EditDistance(std::string_view a, std::string_view b);
 
 // The names nearest to what was typed, the nearest first, three at most; empty when none is near. A name that
