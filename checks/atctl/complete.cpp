@@ -77,6 +77,8 @@ TEST(Complete, FieldsComeByNameWithTheValuesThatAreListed) {
     EXPECT_EQ(Offered({"send", "+CSQ", ""}), Words{});
     EXPECT_EQ(Offered({"watch", "+CREG=", ""}), Words{});
     EXPECT_EQ(Offered({"watch", "+CREG=", "2", "n"}), Words{"n="});
+    EXPECT_TRUE(Complete(Words{"send", "+CREG=", "n"}, kSubcommands)[0].more);
+    EXPECT_FALSE(Complete(Words{"send", "+CREG="}, kSubcommands)[0].more);
 }
 
 TEST(Complete, OptionsAndTheirValues) {

@@ -42,9 +42,9 @@ Candidates Calls(std::string_view typed, bool with_values) {
             if (!IsUseful(row, type)) continue;
             any = true;
             const bool takes = RequestRecord(row, type) != nullptr || TakesNumber(row, type);
-            if (with_values || !takes) all.push_back({CallName({&row, type}), row.title});
+            if (with_values || !takes) all.push_back({CallName({&row, type}), row.title, false});
         }
-        if (!any || row.decode.kind == DecodeKind::text) bare.push_back({CommandName(row), row.title});
+        if (!any || row.decode.kind == DecodeKind::text) bare.push_back({CommandName(row), row.title, false});
     }
     all.insert(all.end(), bare.begin(), bare.end());
     Candidates found = Matching(all, typed);
@@ -60,7 +60,7 @@ Candidates Calls(std::string_view typed, bool with_values) {
 Candidates Names(std::string_view typed) {
     Candidates names;
     for (const Row& row : Commands())
-        names.push_back({CommandName(row), row.title});
+        names.push_back({CommandName(row), row.title, false});
     return Matching(names, typed);
 }
 
@@ -75,7 +75,7 @@ std::optional<Call> CallOf(const std::string& text) {
 Candidates ListedFor(const Field& field, const std::string& before) {
     Candidates values;
     for (const Listed& listed : ListedValues(field.meaning))
-        values.push_back({before + std::to_string(listed.number), std::string(listed.words)});
+        values.push_back({before + std::to_string(listed.number), std::string(listed.words), false});
     return values;
 }
 
@@ -105,7 +105,7 @@ Candidates Fields(const std::string& command, std::span<const std::string> given
         if (i == in_order && named.empty())
             for (Candidate& value : ListedFor(field, ""))
                 candidates.push_back(std::move(value));
-        candidates.push_back({assign, field.meaning});
+        candidates.push_back({assign, field.meaning, true});
         if (typed.starts_with(assign))
             for (Candidate& value : ListedFor(field, assign))
                 candidates.push_back(std::move(value));
@@ -123,7 +123,7 @@ Candidates AnswerFields(const std::string& command, std::string_view typed) {
     const Answer* answer = call ? AnswerOf(*call->row, call->type) : nullptr;
     if (answer != nullptr && answer->record != nullptr)
         for (size_t i = 0; i < answer->record->count; ++i)
-            fields.push_back({answer->record->fields[i].name, answer->record->fields[i].meaning});
+            fields.push_back({answer->record->fields[i].name, answer->record->fields[i].meaning, false});
     return Matching(fields, typed);
 }
 
@@ -131,13 +131,14 @@ Candidates Modules(std::span<const std::string> given, std::string_view typed) {
     Candidates modules;
     for (const ModuleName& module : ReportedModules())
         if (std::find(given.begin(), given.end(), module.name) == given.end())
-            modules.push_back({module.name, "module " + HexNumber(module.id)});
+            modules.push_back({module.name, "module " + HexNumber(module.id), false});
     return Matching(modules, typed);
 }
 
 Candidates ValuesOf(const std::string& option, const std::string& command, std::string_view typed) {
     if (option == "--color")
-        return Matching({{"auto", "on a terminal"}, {"always", ""}, {"never", ""}}, typed);
+        return Matching({{"auto", "on a terminal", false}, {"always", "", false}, {"never", "", false}},
+                        typed);
     if (option == "--field") return AnswerFields(command, typed);
     if (option == "--command") return Calls(typed, false);
     return {};
@@ -152,14 +153,14 @@ std::vector<Candidate> Complete(std::span<const std::string> words,
     const auto options = [&](const SubcommandWords& of) {
         Candidates candidates;
         for (const OptionWords& option : of.options)
-            candidates.push_back({option.name, option.about});
+            candidates.push_back({option.name, option.about, false});
         return Matching(candidates, typed);
     };
     if (words.size() == 1) {
         if (typed.starts_with('-')) return options(subcommands.front());
         Candidates candidates;
         for (const SubcommandWords& one : subcommands)
-            if (!one.name.empty()) candidates.push_back({one.name, one.about});
+            if (!one.name.empty()) candidates.push_back({one.name, one.about, false});
         return Matching(candidates, typed);
     }
     const auto sub = std::find_if(subcommands.begin(), subcommands.end(),

@@ -24,6 +24,7 @@ struct SubcommandWords {
 struct Candidate {
     std::string word;
     std::string about;
+    bool more = false;  // something belongs directly behind the word: the value of a field
 };
 
 // The words that can stand for the last of `words`, which are those behind "atctl" and may end with an

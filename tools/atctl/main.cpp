@@ -36,7 +36,8 @@ int RunAsking(Action action, const CommandLine& line, const Streams& streams) {
 int PrintCandidates(const CommandLine& line, int argc, char** argv) {
     const std::vector<std::string> words(argv + 2, argv + argc);
     for (const Candidate& candidate : Complete(words, line.Words()))
-        std::cout << candidate.word << '\t' << candidate.about << '\n';
+        std::cout << candidate.word << '\t' << (candidate.more ? "more" : "whole") << '\t' << candidate.about
+                  << '\n';
     return kExitGood;
 }
 
