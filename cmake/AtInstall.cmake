@@ -46,6 +46,16 @@ if(TARGET modemsim)
   install(DIRECTORY scenarios/ DESTINATION share/at-server/scenarios COMPONENT tools FILES_MATCHING PATTERN "*.modem"
     PATTERN "*.rec")
 endif()
+foreach(tool atctl modemsim cfgctl)
+  if(TARGET ${tool})
+    file(GLOB found CONFIGURE_DEPENDS tools/completion/${tool}.bash)
+    if(found)
+      install(FILES ${found} DESTINATION share/bash-completion/completions RENAME ${tool} COMPONENT tools)
+    endif()
+    file(GLOB found CONFIGURE_DEPENDS tools/completion/_${tool})
+    install(FILES ${found} DESTINATION share/zsh/site-functions COMPONENT tools)
+  endif()
+endforeach()
 
 # ---- development
 set(headers_to ${CMAKE_INSTALL_INCLUDEDIR}/at-server)
@@ -78,3 +88,5 @@ install(FILES ${CMAKE_BINARY_DIR}/at-server.pc DESTINATION ${CMAKE_INSTALL_LIBDI
 
 file(GLOB documents CONFIGURE_DEPENDS docs/*.md)
 install(FILES README.md ${documents} DESTINATION share/doc/at-server COMPONENT development)
+install(DIRECTORY examples/ DESTINATION share/doc/at-server/examples COMPONENT development
+        PATTERN CMakeLists.txt EXCLUDE)

@@ -46,10 +46,28 @@ check "it runs from where it was installed" grep -qx "ExecStart=$work/daemon/sbi
 check "component tools" installed tools bin/atctl bin/modemsim bin/cfgctl share/at-server/scenarios/default.modem
 check "component development" installed development include/at-server/client/at_client.h \
     include/at-server/records/message.h include/at-server/reports/report_records.h share/doc/at-server/commands.md
+# Each manual page and each completion of the sources has a place where man and the shells look.
+documented() {
+    local page program file expected=()
+    for page in "$root"/docs/man/*.[1-8]; do
+        [[ ! -e $page ]] || expected+=("share/man/man${page##*.}/$(basename "$page")")
+    done
+    for file in "$root"/tools/completion/*; do
+        program=$(basename "$file" .bash)
+        case $file in
+            */_*) expected+=("share/zsh/site-functions/$program") ;;
+            *.bash) expected+=("share/bash-completion/completions/$program") ;;
+        esac
+    done
+    for file in "${expected[@]}"; do
+        [[ -s $work/whole/$file ]] || { echo "$file is missing"; return 1; }
+    done
+}
 same() { diff <(cd "$1" && find . -type f | sort) <(cd "$2" && find . -type f | sort); }
 merge() { cmake --install "$build" --prefix "$work/whole" && cp -r "$work/daemon/." "$work/tools/." "$work/development/." "$work/parts"; }
 mkdir "$work/parts"
 check "everything at once" merge
+check "manual pages and completions" documented
 check "the components are everything" same "$work/whole" "$work/parts"
 
 # ---- a module's project, after the installation was moved
@@ -80,6 +98,16 @@ by_pkg_config() {
             $(config --libs)
 }
 check "pkg-config" by_pkg_config
+examples() {
+    local example
+    for example in "$prefix"/share/doc/at-server/examples/*.c; do
+        # shellcheck disable=SC2046,SC2086
+        "$CC" -std=c11 -D_POSIX_C_SOURCE=200809L $strict $(config --cflags) "$example" -o "$work/example" $(config --libs) ||
+            return
+    done
+    [[ -s $work/example ]]
+}
+check "the examples that were installed" examples
 check "pkg-config tells the version" test "$(config --modversion)" = "$("$prefix/bin/atctl" --version | sed 's/.* //')"
 
 # ---- what was built asks a server, all of it installed
