@@ -203,19 +203,18 @@ inline PlainEnd PlainFindEnd(std::string_view text) {
     return {};
 }
 
-inline void PlainPreProcess(std::string& buffer, std::string chunk) {
+// Returns how many characters of the buffer were dropped.
+inline size_t PlainPreProcess(std::string& buffer, std::string chunk) {
     if (chunk.rfind("status=Failure", 0) == 0)
         chunk = "\r\nERROR\r\n";
     else if (chunk.rfind("status=Ok", 0) == 0)
         chunk = "\r\nOK\r\n";
-    if (!buffer.empty()) {
-        const std::string joined = (buffer + chunk).substr(0, 102'399);
-        const size_t line_break = PlainFind(joined, "\r\n");
-        buffer = line_break != kNone ? joined.substr(line_break) : joined;
-    } else {
-        const size_t line_break = PlainFind(chunk, "\r\n");
-        buffer = chunk.substr(line_break != kNone ? line_break : 0).substr(0, 102'399);
-    }
+    const bool was_empty = buffer.empty();
+    const std::string joined = was_empty ? chunk : (buffer + chunk).substr(0, 102'399);
+    const size_t line_break = PlainFind(joined, "\r\n");
+    const size_t dropped = line_break != kNone ? line_break : 0;
+    buffer = joined.substr(dropped, 102'399);
+    return was_empty ? 0 : dropped;
 }
 
 inline std::string Printable(std::string_view text) {

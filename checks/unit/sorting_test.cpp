@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "checks/support/fake_platform.h"
+#include "checks/support/modem_lines.h"
 #include "checks/support/plain_framing.h"
 #include "checks/support/plain_sorting.h"
 #include "records/payload.h"
@@ -44,57 +45,6 @@ Cutting Of(const Response& response, const char* text) {
             response.continuation.late_ok};
 }
 
-// Text of lines as modems send them, whole and damaged.
-string Lines(RandomText& random, unsigned most) {
-    static const char* const kLines[] = {
-        "+CSQ: 20,99\r\n",
-        "OK\r\n",
-        "\r\n",
-        "ERROR\r\n",
-        "+CREG: 1\r\n",
-        "+CREG: 1,5\r\n",
-        "^NEWS: 4\r\n",
-        "07911326\r\n",
-        "+CBM: 8\r\n",
-        "+CDS: 8\r\n",
-        "RING\r\n",
-        "+CMTI: \"SM\",3\r\n",
-        "+CMGL: 1,1,,23\r\n",
-        "+CMGL: 2,0,,24\r\n",
-        "356938035643809\r\n",
-        "+CFUN: 1\r\n",
-        "+CME ERROR: 10\r\n",
-        "> ",
-        "VOICE NO CARRIER: 3\r\n",
-        "+ZGIPDNS: 1\r\n",
-        "+CLIP: \"5550123\",129\r\n",
-        "BUSY\r\n",
-        "+CCFC: 0,1\r\n",
-        "+CUSD: 0,\"a\r\nb\"\r\n",
-        "^RSSI:12\r\n",
-        "+RINGBACK: 1\r\n",
-        "AT+CSQ\r\r\n",
-        "+CEREG: 5\r\n",
-        "^CONN:1,0\r\n",
-        "\"",
-    };
-    string text;
-    for (unsigned count = random.Below(most + 1); count > 0; --count) {
-        if (random.Below(12) == 0)
-            text += random.Next(3);
-        else
-            text += kLines[random.Below(std::size(kLines))];
-        if (random.Below(30) == 0 && !text.empty())
-            text.erase(random.Below(static_cast<unsigned>(text.size())), 1);
-    }
-    for (char& c : text)
-        if (c == '\0') c = ' ';
-    return text;
-}
-
-constexpr uint16_t kPending[] = {0,      0x0604, 0x0106, 0x0603, 0x052D, 0x0513, 0x052B, 0x052C,
-                                 0x0532, 0x063E, 0x0118, 0x0001, 0x0108, 0x0401, 0x7777};
-
 class Resumed : public testing::TestWithParam<const char*> {
   protected:
     void SetUp() override {
@@ -113,7 +63,7 @@ class Resumed : public testing::TestWithParam<const char*> {
     // delivery does. Counts the responses by kind.
     template <typename Piece>
     void Arrive(const string& stream, RandomText& random, bool change_request, Piece next_piece) {
-        PendingCommand pending = Pend(kPending[random.Below(std::size(kPending))]);
+        PendingCommand pending = Pend(AnyPending(random));
         SortingMemory memory;
         string text;
         size_t continues_at = kNowhere;
@@ -123,8 +73,7 @@ class Resumed : public testing::TestWithParam<const char*> {
             text += stream.substr(from, size);
             from += size;
             for (;;) {
-                if (change_request && random.Below(6) == 0)
-                    pending = Pend(kPending[random.Below(std::size(kPending))]);
+                if (change_request && random.Below(6) == 0) pending = Pend(AnyPending(random));
                 continuation.at = continues_at == kNowhere ? nullptr : text.c_str() + continues_at;
                 const Response fresh = NextResponse(text.c_str(), pending, continuation);
                 const Response resumed = NextResponse(text.c_str(), pending, continuation, memory);
@@ -156,7 +105,7 @@ class Resumed : public testing::TestWithParam<const char*> {
 TEST_P(Resumed, EqualsFreshAndPlainForPiecesOfEverySize) {
     RandomText random(0x5eed0010);
     for (int round = 0; round < 250; ++round) {
-        const string stream = Lines(random, 14);
+        const string stream = ModemLines(random, 14);
         for (size_t size = 1; size <= 24; ++size)
             ASSERT_NO_FATAL_FAILURE(Arrive(stream, random, false, [size] { return size; })) << round;
     }
@@ -167,7 +116,7 @@ TEST_P(Resumed, EqualsFreshAndPlainForPiecesOfEverySize) {
 TEST_P(Resumed, EqualsFreshAndPlainForRandomPiecesAndRequests) {
     RandomText random(0x5eed0011);
     for (int round = 0; round < 6'000; ++round) {
-        const string stream = Lines(random, 16);
+        const string stream = ModemLines(random, 16);
         const unsigned most = 1 + random.Below(60);
         ASSERT_NO_FATAL_FAILURE(Arrive(stream, random, true, [&random, most] {
             return size_t{1} + random.Below(most);

@@ -3,6 +3,7 @@
 #include <memory>
 #include <random>
 
+#include "checks/support/parameter_text.h"
 #include "checks/unit/vectors.h"
 #include "commands/catalog.h"
 
@@ -17,19 +18,6 @@ std::string FullRecord(const Record& record, int32_t number) {
         if (record.fields[i].type == FieldType::i32)
             memcpy(bytes.data() + record.fields[i].offset, &number, 4);
     return bytes;
-}
-
-// Text as a modem might send it, and worse.
-std::string SomeText(std::mt19937& random) {
-    static const std::string pieces[] = {"1",  "23",        "-7",   "99999999999", ",",   ",",        ",",
-                                         "\"", "\"Net A\"", "\"\"", ";",           " ",   "(",        ")",
-                                         "OK", "READY",     "\t",   "\xfd",        "0x1", "ABCDEF01", "."};
-    std::string text;
-    const size_t count = random() % 40;
-    for (size_t i = 0; i < count; ++i)
-        text += pieces[random() % std::size(pieces)];
-    if (random() % 8 == 0) text += std::string(random() % 1200, "5A \xfe,"[random() % 5]);
-    return text;
 }
 
 }  // namespace
@@ -149,7 +137,7 @@ TEST(EveryRow, DecodesAnyText) {
         for (const char* mode : {kModule, kOtherCard}) {
             StartWith(mode);
             for (int round = 0; round < 60 && !HasFailure(); ++round) {
-                const std::string text = SomeText(random);
+                const std::string text = ParameterText(random);
                 for (uint8_t type = 0; type <= 5; ++type) {
                     SCOPED_TRACE(std::string(row.name) + " type " + std::to_string(type) + " on " + text);
                     const Decoded got = Decode(row.id, type, text);
