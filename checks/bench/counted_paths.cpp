@@ -2,12 +2,12 @@
 #include <stdlib.h>
 #include <string.h>
 #include <unistd.h>
-#include <valgrind/callgrind.h>
 
 #include <algorithm>
 #include <string>
 #include <vector>
 
+#include "checks/bench/count_marks.h"
 #include "checks/bench/samples.h"
 #include "codec/atcode.h"
 #include "platform/host_store.h"
@@ -18,18 +18,18 @@
 #include "reports/response.h"
 #include "server/transaction.h"
 
-// Runs each main path a fixed number of times between two calls to callgrind, which writes one file for each
-// path. Told to scripts/check-instructions on standard output: "path times".
+// Runs each main path a fixed number of times between two marks for what counts instructions. Told to
+// scripts/check-instructions on standard output: "path times".
 
 namespace {
 
 template <typename Run>
 void Count(const char* path, int times, Run run) {
     run();  // what happens once only is not counted
-    CALLGRIND_ZERO_STATS;
+    CountFromHere();
     for (int i = 0; i < times; ++i)
         run();
-    CALLGRIND_DUMP_STATS_AT(path);
+    CountToHere(path);
     printf("%s %d\n", path, times);
 }
 
