@@ -29,6 +29,9 @@ int Replay(int argc, char** argv);
 // A recording without private data: "modemsim redact FILE OUT".
 int Redact(int argc, char** argv);
 
+// Steers a modem that runs: "modemsim ctl ORDER".
+int Ctl(int argc, char** argv);
+
 }  // namespace modemsim
 
 #endif

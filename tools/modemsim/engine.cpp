@@ -1,6 +1,7 @@
 #include "tools/modemsim/engine.h"
 
 #include <algorithm>
+#include <nlohmann/json.hpp>
 #include <utility>
 
 namespace modemsim {
@@ -33,6 +34,8 @@ const std::vector<Step>& CancelAnswer() {
 Engine::Engine(Scenario scenario, Note note)
     : scenario_(std::move(scenario)),
       note_(std::move(note)),
+      faults_(scenario_.seed),
+      modem_(scenario_.use_modem ? std::make_unique<Modem>(scenario_.seed) : nullptr),
       echo_(scenario_.echo),
       used_(scenario_.groups.size()) {}
 
@@ -41,6 +44,8 @@ void Engine::Say(const std::string& text) const {
 }
 
 void Engine::Start(Time now) {
+    for (const Order& order : scenario_.orders)
+        Perform(order, now);
     if (!scenario_.clock_at_first_line) {
         clock_runs_ = true;
         StartReports(now, nullptr);
@@ -55,7 +60,7 @@ void Engine::Receive(std::string_view bytes, Time now) {
 }
 
 void Engine::Character(char c, Time now) {
-    if (unplugged_) return;
+    if (unplugged_ || !plugged_) return;
     const bool body = BodyTaker() != nullptr;
     if (c == kSubmit || c == kCancel) {
         if (body) {
@@ -120,10 +125,14 @@ void Engine::Answer(const std::string& line, Time now) {
     } else {
         job.due += scenario_.latency;
     }
+    job.due += faults_.Delay();
+    const Time late = faults_.TakeLateness();
+    job.due += late;
+    job.alone = late.count() != 0;
+    if (job.alone) Say("this answer comes late");
     const std::size_t group = line.size() <= kMaxInput ? FindGroup(line) : kNoGroup;
     if (group == kNoGroup) {
-        Say("no rule");
-        job.steps = &ErrorAnswer();
+        AskModem(job, now);
     } else {
         const auto& rules = scenario_.groups[group].rules;
         const Rule& rule = rules[used_[group]];
@@ -131,8 +140,73 @@ void Engine::Answer(const std::string& line, Time now) {
         Say("rule " + scenario_.Describe(rule.place));
         job.steps = &rule.steps;
     }
-    answering_ = true;
+    if (!job.alone) answering_ = true;
     jobs_.push_back(std::move(job));
+    TakeReports(now);
+}
+
+// ---- the modem with a memory
+
+void Engine::GiveSteps(Job& job, std::vector<Step> steps) const {
+    job.own = std::make_shared<const std::vector<Step>>(std::move(steps));
+    job.steps = job.own.get();
+    job.next = 0;
+}
+
+void Engine::AskModem(Job& job, Time at) {
+    std::optional<Reply> reply;
+    if (modem_ != nullptr && job.line.size() <= kMaxInput) reply = modem_->Answer(job.line, at);
+    if (reply) {
+        Say("modem");
+        Perform(job, *reply);
+    } else {
+        Say(modem_ == nullptr ? "no rule" : "no rule, and the modem does not know it");
+        job.steps = &ErrorAnswer();
+        job.next = 0;
+    }
+}
+
+void Engine::Perform(Job& job, const Reply& reply) const {
+    std::vector<Step> steps;
+    Step step;
+    if (reply.wait.count() != 0) {
+        step.kind = Step::Kind::Wait;
+        step.wait = reply.wait;
+        steps.push_back(step);
+    }
+    if (reply.echo) {
+        step.kind = Step::Kind::Echo;
+        step.on = *reply.echo;
+        steps.push_back(step);
+    }
+    step.kind = reply.prompt ? Step::Kind::Prompt : Step::Kind::Text;
+    for (const std::string& line : reply.lines)
+        step.text += (step.text.empty() ? "\r\n" : "") + line + "\r\n";
+    step.text += "\r\n" + reply.end + "\r\n";
+    steps.push_back(step);
+    GiveSteps(job, std::move(steps));
+    job.after = reply.after;
+    job.prompt = reply.prompt;
+}
+
+// Something that nobody asked for.
+void Engine::Send(std::vector<Step> steps, Time at) {
+    Job job;
+    GiveSteps(job, std::move(steps));
+    job.due = at;
+    job.pieces = scenario_.pieces;
+    job.alone = true;
+    jobs_.push_back(std::move(job));
+}
+
+void Engine::TakeReports(Time at) {
+    if (modem_ == nullptr) return;
+    for (const Modem::Report& report : modem_->TakeReports()) {
+        Step step;
+        for (const std::string& line : report)
+            step.text += (step.text.empty() || HasOwnBreak(line, true) ? "\r\n" : "") + line + "\r\n";
+        Send({step}, at);
+    }
 }
 
 Engine::Job* Engine::BodyTaker() {
@@ -146,12 +220,19 @@ void Engine::EndBody(bool send, Time now) {
     if (input_.size() > kMaxInput)
         Say("a message text longer than " + std::to_string(kMaxInput) + " characters");
     if (echo_) job.lead = input_;
-    job.due = now + (job.lead.empty() ? scenario_.latency : Time(0));
+    job.due = now + (job.lead.empty() ? scenario_.latency : Time(0)) + faults_.Delay();
+    if (send && job.prompt) {
+        modem_->Advance(now);
+        const auto prompt = job.prompt;
+        Perform(job, prompt(input_));
+        TakeReports(now);
+    }
     if (!send) {
         Say("the message text is cancelled");
         job.steps = &CancelAnswer();
         job.next = 0;
         job.line.clear();
+        job.after = nullptr;
     }
 }
 
@@ -194,7 +275,29 @@ std::optional<Time> Engine::NextTime() const {
         const Time due = std::max(job.due, wire_free_);
         if (!job.awaits_body && (!next || due < *next)) next = due;
     }
+    const auto change = NextChange();
+    if (change && (!next || *change < *next)) next = change;
     return next;
+}
+
+// When something happens that is no step of an answer or report.
+std::optional<Time> Engine::NextChange() const {
+    std::optional<Time> next = replug_at_;
+    const auto consider = [&](Time time) {
+        if (!next || time < *next) next = time;
+    };
+    if (!glued_.empty()) consider(glued_until_);
+    if (modem_ != nullptr && modem_->NextTime()) consider(*modem_->NextTime());
+    return next;
+}
+
+void Engine::Change(Time at) {
+    if (replug_at_ && *replug_at_ <= at) Replug(at);
+    if (modem_ != nullptr) {
+        modem_->Advance(at);
+        TakeReports(at);
+    }
+    if (!glued_.empty() && glued_until_ <= at) Cut(std::exchange(glued_, {}), scenario_.pieces, at);
 }
 
 std::optional<Piece> Engine::Take(Time now) {
@@ -220,6 +323,11 @@ void Engine::Run(Time now) {
                 first = &job;
                 at = due;
             }
+        }
+        const auto change = NextChange();
+        if (change && *change <= now && (first == nullptr || *change <= at)) {
+            Change(*change);
+            continue;
         }
         if (first == nullptr || at > now) return;
         RunStep(*first, at);
@@ -259,6 +367,22 @@ void Engine::RunStep(Job& job, Time at) {
         case Step::Kind::Unplug:
             unplugged_ = true;
             break;
+        case Step::Kind::Order:
+            if (step.order.kind == Order::Kind::Late && !job.report && !job.alone) {
+                // This answer is the one that is late: lines behind it need not wait.
+                job.alone = true;
+                job.due = at + step.order.time;
+                answering_ = false;
+                NextLine(at);
+                break;
+            }
+            // The job may be gone afterwards, with the modem that was unplugged.
+            Perform(Order(step.order), at);
+            break;
+        case Step::Kind::Modem:
+            AskModem(job, at);
+            TakeReports(at);
+            break;
     }
 }
 
@@ -278,18 +402,46 @@ void Engine::Finish(Job& job, Time at) {
         return;
     }
     const std::string line = std::move(job.line);
+    const auto after = std::move(job.after);
+    const bool alone = job.alone;
     job.done = true;
     std::erase_if(jobs_, [](const Job& j) { return j.done; });
-    answering_ = false;
-    if (!line.empty()) StartReports(at, &line);
-    if (!lines_.empty()) {
-        const std::string next = std::move(lines_.front());
-        lines_.pop_front();
-        Answer(next, at);
+    if (!alone) answering_ = false;
+    if (after) {
+        modem_->Advance(at);
+        after();
+        TakeReports(at);
     }
+    if (!line.empty()) StartReports(at, &line);
+    if (!alone) NextLine(at);
 }
 
-void Engine::Put(const std::string& text, const Pieces& pieces, Time at) {
+void Engine::NextLine(Time at) {
+    if (lines_.empty()) return;
+    const std::string next = std::move(lines_.front());
+    lines_.pop_front();
+    Answer(next, at);
+}
+
+void Engine::Put(std::string text, const Pieces& pieces, Time at) {
+    wire_free_ = at;
+    if (!plugged_) return;
+    if (faults_.Muted(at)) {
+        Say("mute: " + std::to_string(text.size()) + " bytes are not sent");
+        return;
+    }
+    text.insert(0, faults_.Noise());
+    if (faults_.Glue().count() == 0) {
+        Cut(std::exchange(glued_, {}) + text, pieces, at);
+        return;
+    }
+    if (glued_.empty()) glued_until_ = at + faults_.Glue();
+    glued_ += text;
+}
+
+// Puts the text on the wire, whole or in pieces.
+void Engine::Cut(const std::string& text, const Pieces& own_pieces, Time at) {
+    const Pieces& pieces = faults_.Split() ? *faults_.Split() : own_pieces;
     const auto on_line = [this](std::size_t bytes) {
         if (scenario_.pace == 0) return Time(0);
         return Time(static_cast<Time::rep>(bytes * std::uint64_t{1'000'000} / scenario_.pace));

@@ -8,11 +8,15 @@
 #include <cstddef>
 #include <deque>
 #include <functional>
+#include <memory>
+#include <nlohmann/json_fwd.hpp>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "tools/modemsim/faults.h"
+#include "tools/modemsim/model/modem.h"
 #include "tools/modemsim/scenario.h"
 
 namespace modemsim {
@@ -55,11 +59,21 @@ class Engine {
     // more.
     bool Unplugged() const { return unplugged_ && wire_.empty(); }
 
+    // False while the modem is pulled out by an order: what the host sends is lost, and the modem says
+    // nothing.
+    bool PluggedIn() const { return plugged_; }
+
+    // Does what is ordered, but for State, Help and Quit. Gives why it cannot be done, or an empty text.
+    std::string Do(const Order& order, Time now);
+
+    void DescribeState(nlohmann::json& state, Time now) const;
+
     const Scenario& Script() const { return scenario_; }
 
   private:
     // An answer or a report on its way through its steps.
     struct Job {
+        std::shared_ptr<const std::vector<Step>> own;  // steps that belong to no rule
         const std::vector<Step>* steps = nullptr;
         std::size_t next = 0;
         Time due{0};  // of the next step
@@ -69,6 +83,9 @@ class Engine {
         Time begun{0};                      // of a report: when it was to begin
         std::string line;                   // of an answer
         std::string lead;                   // of an answer: sent first, without latency (the echo)
+        std::function<void()> after;        // of the modem's answer: done once it is on the line
+        std::function<Reply(const std::string& text)> prompt;  // of the modem's answer: takes the text
+        bool alone = false;                                    // a late answer: no line waits for it
         bool awaits_body = false;
         bool done = false;
     };
@@ -76,11 +93,24 @@ class Engine {
     void Run(Time now);
     void RunStep(Job& job, Time at);
     void Finish(Job& job, Time at);
-    void Put(const std::string& text, const Pieces& pieces, Time at);
+    void Put(std::string text, const Pieces& pieces, Time at);
+    void Cut(const std::string& text, const Pieces& pieces, Time at);
+    void GiveSteps(Job& job, std::vector<Step> steps) const;
+    void AskModem(Job& job, Time at);
+    void Perform(Job& job, const Reply& reply) const;
+    void Send(std::vector<Step> steps, Time at);
+    void TakeReports(Time at);
+    void Perform(const Order& order, Time at);
+    std::string DoWithModem(const Order& order, Time now);
+    std::string Unplug(Time now, Time back_after);
+    std::string Replug(Time now);
+    std::optional<Time> NextChange() const;
+    void Change(Time at);
     void Character(char c, Time now);
     void Line(Time now);
     void EndBody(bool send, Time now);
     void Answer(const std::string& line, Time now);
+    void NextLine(Time at);
     void StartReports(Time now, const std::string* line);
     void StartReport(std::size_t index, Time now);
     std::size_t FindGroup(const std::string& line) const;
@@ -89,6 +119,8 @@ class Engine {
 
     Scenario scenario_;
     Note note_;
+    Faults faults_;
+    std::unique_ptr<Modem> modem_;  // null when the scenario uses none
     bool echo_;
     std::vector<std::size_t> used_;  // by group: rules used so far, the last one not counted
     std::deque<Job> jobs_;           // in the order they began; at most one of them an answer
@@ -99,6 +131,10 @@ class Engine {
     bool clock_runs_ = false;
     bool answering_ = false;
     bool unplugged_ = false;
+    bool plugged_ = true;
+    std::optional<Time> replug_at_;
+    std::string glued_;  // held back, to go out in one piece
+    Time glued_until_{0};
 };
 
 }  // namespace modemsim

@@ -19,6 +19,7 @@ constexpr std::array kSubcommands = {
     Subcommand{"record", modemsim::Record},
     Subcommand{"replay", modemsim::Replay},
     Subcommand{"redact", modemsim::Redact},
+    Subcommand{"ctl", modemsim::Ctl},
 };
 
 }  // namespace

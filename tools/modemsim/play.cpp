@@ -7,10 +7,13 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <nlohmann/json.hpp>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "tools/modemsim/commands.h"
+#include "tools/modemsim/control.h"
 #include "tools/modemsim/engine.h"
 #include "tools/modemsim/find.h"
 #include "tools/modemsim/pty.h"
@@ -26,6 +29,9 @@ struct Options {
     std::string scenario = "default";
     std::string link = "/dev/ttyUSB1";
     std::string log;
+    std::string control;  // empty: beside the link
+    bool no_control = false;
+    std::optional<std::uint64_t> seed;
     int ready_fd = -1;
     bool check = false;
     bool list = false;
@@ -33,24 +39,32 @@ struct Options {
 
 class Simulator {
   public:
-    Simulator(Scenario scenario, Trace& trace)
+    Simulator(Scenario scenario, Trace& trace, ModemPort& port, ControlSocket& control)
         : trace_(trace),
+          port_(port),
+          control_(control),
           engine_(std::move(scenario), [this](const std::string& text) { trace_.Remark(Now(), text); }) {}
 
-    // Until the modem is unplugged or a signal comes in on `signals`. 0, or 1 when the pty failed.
-    int Run(int master, int signals);
+    // Until the modem is unplugged for good, told to quit, or a signal comes in on `signals`. On failure
+    // false, with a reason.
+    bool Run(int signals, std::string& reason);
 
   private:
     Time Now() const { return MonotonicTime() - start_; }
     int WaitTime() const;
-    bool Read(int master);
-    bool Write(int master);
+    bool Read();
+    bool Write();
+    bool FollowPlug(std::string& reason);
+    std::string Obey(const std::string& line);
 
     const Time start_ = MonotonicTime();
     Trace& trace_;
+    ModemPort& port_;
+    ControlSocket& control_;
     Engine engine_;
     std::string out_;  // taken from the engine, not yet taken by the pty
     std::size_t sent_ = 0;
+    bool quit_ = false;
 };
 
 // Milliseconds that poll() may wait for the engine; -1 without end.
@@ -63,9 +77,9 @@ int Simulator::WaitTime() const {
     return left < 0 ? 0 : static_cast<int>(left);
 }
 
-bool Simulator::Read(int master) {
+bool Simulator::Read() {
     char buffer[16384];
-    const ssize_t count = read(master, buffer, sizeof buffer);
+    const ssize_t count = read(port_.Master(), buffer, sizeof buffer);
     if (count > 0) {
         const std::string_view bytes(buffer, static_cast<std::size_t>(count));
         const Time now = Now();
@@ -76,7 +90,7 @@ bool Simulator::Read(int master) {
     return count < 0 && (errno == EAGAIN || errno == EINTR);
 }
 
-bool Simulator::Write(int master) {
+bool Simulator::Write() {
     while (true) {
         if (out_.empty()) {
             const Time now = Now();
@@ -86,27 +100,73 @@ bool Simulator::Write(int master) {
             out_ = std::move(piece->bytes);
             sent_ = 0;
         }
-        const ssize_t count = write(master, out_.data() + sent_, out_.size() - sent_);
+        // Pulled out meanwhile: what it was saying is lost.
+        if (!engine_.PluggedIn() || !port_.IsOpen()) {
+            out_.clear();
+            continue;
+        }
+        const ssize_t count = write(port_.Master(), out_.data() + sent_, out_.size() - sent_);
         if (count < 0) return errno == EAGAIN || errno == EINTR;
         sent_ += static_cast<std::size_t>(count);
         if (sent_ == out_.size()) out_.clear();
     }
 }
 
-int Simulator::Run(int master, int signals) {
+// The pty and its link are there when the modem is plugged in.
+bool Simulator::FollowPlug(std::string& reason) {
+    if (engine_.PluggedIn() == port_.IsOpen()) return true;
+    if (engine_.PluggedIn()) return port_.Reopen(reason);
+    port_.Close();
+    out_.clear();
+    return true;
+}
+
+// The answer to a line on the control socket.
+std::string Simulator::Obey(const std::string& line) {
+    nlohmann::ordered_json answer = {{"ok", true}};
+    std::string reason;
+    const auto order = ReadOrder(line, reason);
+    if (order) {
+        trace_.Remark(Now(), "control: " + line);
+        if (order->kind == Order::Kind::State) {
+            nlohmann::json state;
+            engine_.DescribeState(state, Now());
+            answer["state"] = state;
+        } else if (order->kind == Order::Kind::Help) {
+            answer["help"] = OrderHelp();
+        } else if (order->kind == Order::Kind::Quit) {
+            quit_ = true;
+        } else {
+            reason = engine_.Do(*order, Now());
+        }
+    }
+    if (!reason.empty()) answer = {{"ok", false}, {"error", reason}};
+    // A number or text from outside need not be valid UTF-8.
+    return answer.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+}
+
+bool Simulator::Run(int signals, std::string& reason) {
     engine_.Start(Now());
+    std::vector<pollfd> watched;
     while (true) {
-        if (!Write(master)) return 1;
+        const bool written = Write();
+        if (!FollowPlug(reason)) return false;
+        if (!written) break;
         if (engine_.Unplugged() && out_.empty()) {
             trace_.Remark(Now(), "unplugged");
-            return 0;
+            return true;
         }
         const short wanted = static_cast<short>(out_.empty() ? POLLIN : POLLIN | POLLOUT);
-        pollfd watched[] = {{master, wanted, 0}, {signals, POLLIN, 0}};
-        if (poll(watched, 2, WaitTime()) < 0 && errno != EINTR) return 1;
-        if (watched[1].revents != 0) return 0;
-        if ((watched[0].revents & (POLLIN | POLLERR | POLLHUP)) != 0 && !Read(master)) return 1;
+        watched.assign({{port_.IsOpen() ? port_.Master() : -1, wanted, 0}, {signals, POLLIN, 0}});
+        control_.AddTo(watched);
+        if (poll(watched.data(), watched.size(), WaitTime()) < 0 && errno != EINTR) break;
+        if (watched[1].revents != 0) return true;
+        if ((watched[0].revents & (POLLIN | POLLERR | POLLHUP)) != 0 && !Read()) break;
+        control_.Serve([this](const std::string& line) { return Obey(line); });
+        if (quit_) return true;
     }
+    reason = std::string("the pty failed: ") + std::strerror(errno);
+    return false;
 }
 
 int Start(const Options& options) {
@@ -144,12 +204,20 @@ int Start(const Options& options) {
     if (signals < 0) return Complain(reason);
 
     ModemPort port;
+    ControlSocket control;
     if (!port.Open(options.link, reason)) return Complain(reason);
-    Simulator simulator(std::move(parsed.scenario), trace);
+    const bool placed = !options.control.empty();
+    if (!options.no_control && !control.Open(placed ? options.control : ControlPath(options.link), reason)) {
+        // Nobody asked for it at this place: the modem is of use without it.
+        if (placed) return Complain(reason);
+        Complain(reason + "; this modem cannot be steered");
+    }
+    if (options.seed) parsed.scenario.seed = *options.seed;
+    Simulator simulator(std::move(parsed.scenario), trace, port, control);
     if (!SayReady(options.link, options.ready_fd, reason)) return Complain(reason);
-    const int status = simulator.Run(port.Master(), signals);
-    if (status != 0) Complain(std::string("the pty failed: ") + std::strerror(errno));
-    return status;
+    if (simulator.Run(signals, reason)) return 0;
+    Complain(reason);
+    return kFailed;
 }
 
 }  // namespace
@@ -164,6 +232,11 @@ int Play(int argc, char** argv) {
     app.add_option("--link", options.link, "Where the modem's port is linked")->capture_default_str();
     app.add_option("--log", options.log, "Write what passes to FILE, or to standard output for -")
         ->type_name("FILE");
+    app.add_option("--control", options.control,
+                   "Where the control socket stands, instead of beside the link")
+        ->type_name("PATH");
+    app.add_flag("--no-control", options.no_control, "No control socket");
+    app.add_option("--seed", options.seed, "Of everything random, instead of the scenario's")->type_name("N");
     app.add_option(
            "--ready-fd", options.ready_fd,
            "Write \"ready PATH\" to this descriptor once the link stands, instead of to standard output")
@@ -172,9 +245,10 @@ int Play(int argc, char** argv) {
     app.add_flag("--check", options.check, "Read the scenario, say what it holds, and leave");
     app.add_flag("--list", options.list, "List the shipped scenarios and leave");
     app.footer(
-        "Exit status: 0 after SIGINT, SIGTERM, SIGHUP or the scenario's end, 1 when the pty failed, 2 when "
-        "the\n"
-        "options, the scenario or the place of the link are not right.");
+        "modemsim ctl ORDER steers a modem that runs; see modemsim ctl --help.\n\n"
+        "Exit status: 0 after SIGINT, SIGTERM, SIGHUP, the order quit or the scenario's end, 1 when the pty "
+        "failed,\n2 when the options, the scenario, or the place of the link or the control socket are not "
+        "right.");
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

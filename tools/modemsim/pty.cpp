@@ -80,6 +80,7 @@ bool ModemPort::ClearPlace(std::string& reason) const {
 }
 
 bool ModemPort::Open(const std::string& link, std::string& reason) {
+    place_ = link;
     link_ = link;
     bool ok = OpenPty(reason) && ClearPlace(reason);
     if (ok && symlink(slave_name_.c_str(), link.c_str()) != 0) {

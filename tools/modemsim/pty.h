@@ -20,6 +20,10 @@ class ModemPort {
     // Removes the link, if it is still ours, and closes the pty: the host sees an unplugged modem.
     void Close();
 
+    // Opens a pty again after Close(), under the same link.
+    bool Reopen(std::string& reason) { return Open(place_, reason); }
+    bool IsOpen() const { return master_ >= 0; }
+
     int Master() const { return master_; }  // non-blocking
     const std::string& Slave() const { return slave_name_; }
 
@@ -30,7 +34,8 @@ class ModemPort {
     int master_ = -1;
     int slave_ = -1;
     std::string slave_name_;
-    std::string link_;  // empty while none was made
+    std::string place_;  // where the link is to be
+    std::string link_;   // empty while none was made
 };
 
 }  // namespace modemsim

@@ -17,10 +17,11 @@ namespace modemsim {
 
 namespace {
 
-constexpr std::array<std::string_view, 8> kTopWords = {"include", "echo",  "latency", "pace",
-                                                       "pieces",  "clock", "on",      "report"};
-constexpr std::array<std::string_view, 10> kBodyWords = {"|",    "send",   "repeat", "wait",  "pieces",
-                                                         "echo", "prompt", "silent", "until", "unplug"};
+constexpr std::array<std::string_view, 12> kTopWords = {
+    "include", "echo", "latency", "pace", "pieces", "clock", "on", "report", "use", "seed", "do", "fault"};
+constexpr std::array<std::string_view, 13> kBodyWords = {"|",     "send",   "repeat", "wait",  "pieces",
+                                                         "echo",  "prompt", "silent", "until", "unplug",
+                                                         "modem", "do",     "fault"};
 
 bool IsOneOf(std::span<const std::string_view> words, std::string_view word) {
     return std::find(words.begin(), words.end(), word) != words.end();
@@ -39,6 +40,7 @@ struct Block {
     bool silent = false;
     bool prompt = false;
     bool unplug = false;
+    bool modem = false;
     bool failed = false;  // a line of it was refused: that it is empty need not be told too
 };
 
@@ -47,6 +49,8 @@ class Parser {
     Parser(ParseResult& result, const FileReader& reader) : result_(result), reader_(reader) {}
 
     void File(const std::string& name, std::string_view text, std::size_t depth);
+    // After the last file: whether what it says can be done.
+    void CheckModem();
 
   private:
     bool Fail(std::string reason);
@@ -65,8 +69,10 @@ class Parser {
     void CloseBlock();
     bool NothingMore(const Words& words);
     bool ReadSwitch(Words& words, bool& on);
-    bool ReadPieces(Words& words, Pieces& pieces);
+    bool TakePieces(Words& words, Pieces& pieces);
     bool ReadPattern(std::string_view text, std::optional<Pattern>& pattern);
+    bool TakeOrder(std::string_view word, const Words& words, Order& order);
+    void NeedModem(const std::string& what);
 
     ParseResult& result_;
     const FileReader& reader_;
@@ -74,6 +80,7 @@ class Parser {
     bool skip_body_ = false;  // the head of the body was refused: its lines would only bring follow-up errors
     bool rules_begun_ = false;  // in the file at hand
     Place here_;
+    std::vector<std::pair<Place, std::string>> need_modem_;     // what cannot be done without "use modem"
     std::map<std::string, std::size_t, std::less<>> settings_;  // of the file at hand, with their lines
 };
 
@@ -151,6 +158,13 @@ bool Parser::TopLine(std::string_view word, Words words, std::size_t depth) {
     if (word == "on") return On(words);
     if (word == "report") return ReportHead(words);
     if (word == "include") return Include(words, depth);
+    if (word == "do" || word == "fault") {
+        rules_begun_ = true;
+        Order order;
+        if (!TakeOrder(word, words, order)) return false;
+        result_.scenario.orders.push_back(std::move(order));
+        return true;
+    }
     if (IsOneOf(kTopWords, word)) return Setting(word, words);
     return Fail(UnknownWord(word, kTopWords));
 }
@@ -167,29 +181,11 @@ bool Parser::ReadSwitch(Words& words, bool& on) {
     return NothingMore(words);
 }
 
-bool Parser::ReadPieces(Words& words, Pieces& pieces) {
+bool Parser::TakePieces(Words& words, Pieces& pieces) {
     std::string reason;
-    std::string_view sizes = words.Next();
-    pieces = Pieces();
-    if (sizes.empty()) return Fail("sizes are missing: 'whole', or numbers of bytes such as 1,5,20");
-    if (sizes != "whole") {
-        while (true) {
-            const std::size_t comma = sizes.find(',');
-            const auto size = ReadNumber(sizes.substr(0, comma), 1, kMaxAnswer, reason);
-            if (!size) return Fail(reason);
-            if (pieces.sizes.size() == kMaxPieceSizes)
-                return Fail("more than " + std::to_string(kMaxPieceSizes) + " sizes");
-            pieces.sizes.push_back(static_cast<std::size_t>(*size));
-            if (comma == std::string_view::npos) break;
-            sizes.remove_prefix(comma + 1);
-        }
-        if (words.Peek() == "gap") {
-            words.Next();
-            const auto gap = ReadTime(words.Next(), reason);
-            if (!gap) return Fail(reason);
-            pieces.gap = *gap;
-        }
-    }
+    const auto read = ReadPieces(words, reason);
+    if (!read) return Fail(reason);
+    pieces = *read;
     return NothingMore(words);
 }
 
@@ -201,13 +197,39 @@ bool Parser::ReadPattern(std::string_view text, std::optional<Pattern>& pattern)
     return pattern ? true : Fail(reason);
 }
 
+// "do ORDER", or "fault ..", which is an order itself.
+bool Parser::TakeOrder(std::string_view word, const Words& words, Order& order) {
+    std::string reason;
+    const std::string text = (word == "fault" ? "fault " : "") + std::string(words.Rest());
+    const auto read = ReadOrder(text, reason);
+    if (!read) return Fail(reason);
+    if (!FitsScenario(read->kind))
+        return Fail(Quoted(text) + " is for the control socket, not for a scenario");
+    order = *read;
+    if (NeedsModem(order.kind)) NeedModem(Quoted(Words(text).Peek()));
+    return true;
+}
+
+// Whether it is there is known only when all has been read.
+void Parser::NeedModem(const std::string& what) {
+    need_modem_.emplace_back(here_, what);
+}
+
+void Parser::CheckModem() {
+    if (result_.scenario.use_modem) return;
+    for (const auto& [place, what] : need_modem_) {
+        here_ = place;
+        Fail(what + " needs the modem with a memory: the scenario must say 'use modem'");
+    }
+}
+
 bool Parser::Setting(std::string_view word, Words words) {
     const auto [before, first] = settings_.emplace(word, here_.line);
     if (!first) return Fail(Quoted(word) + " was already set in line " + std::to_string(before->second));
     Scenario& scenario = result_.scenario;
     std::string reason;
     if (word == "echo") return ReadSwitch(words, scenario.echo);
-    if (word == "pieces") return ReadPieces(words, scenario.pieces);
+    if (word == "pieces") return TakePieces(words, scenario.pieces);
     if (word == "latency") {
         const auto time = ReadTime(words.Next(), reason);
         if (!time) return Fail(reason);
@@ -218,6 +240,17 @@ bool Parser::Setting(std::string_view word, Words words) {
         const auto pace = ReadNumber(words.Next(), 1, kMaxPace, reason);
         if (!pace) return Fail(reason);
         scenario.pace = *pace;
+        return NothingMore(words);
+    }
+    if (word == "use") {
+        if (words.Next() != "modem") return Fail("'modem' is missing: there is nothing else to use");
+        scenario.use_modem = true;
+        return NothingMore(words);
+    }
+    if (word == "seed") {
+        const auto seed = ReadNumber(words.Next(), 0, kMaxSeed, reason);
+        if (!seed) return Fail(reason);
+        scenario.seed = *seed;
         return NothingMore(words);
     }
     const std::string_view clock = words.Next();
@@ -326,6 +359,7 @@ bool Parser::BodyLine(std::string_view line) {
     const std::size_t start = line.find_first_not_of(" \t");
     line.remove_prefix(start);
     if (block_->unplug) return Fail("nothing can follow 'unplug'");
+    if (block_->modem) return Fail("nothing can follow 'modem'");
     if (block_->silent) return Fail("'silent' stands alone in its rule");
     if (line.front() == '|') {
         line.remove_prefix(line.size() > 1 && line[1] == ' ' ? 2 : 1);
@@ -361,7 +395,7 @@ bool Parser::BodyWord(std::string_view word, Words words) {
         step.wait = *time;
     } else if (word == "pieces") {
         step.kind = Step::Kind::Pieces;
-        if (!ReadPieces(words, step.pieces)) return false;
+        if (!TakePieces(words, step.pieces)) return false;
         AddStep(std::move(step));
         return true;
     } else if (word == "echo") {
@@ -385,6 +419,17 @@ bool Parser::BodyWord(std::string_view word, Words words) {
         std::optional<Pattern> pattern;
         if (!ReadPattern(words.Rest(), pattern)) return false;
         block_->until.push_back(*pattern);
+        return true;
+    } else if (word == "modem") {
+        if (block_->report) return Fail("'modem' belongs to a rule: it answers a line");
+        block_->modem = true;
+        step.kind = Step::Kind::Modem;
+        NeedModem("'modem'");
+    } else if (word == "do" || word == "fault" || (word == "unplug" && !words.AtEnd())) {
+        const std::string order = (word == "do" ? "" : std::string(word) + " ") + std::string(words.Rest());
+        step.kind = Step::Kind::Order;
+        if (!TakeOrder("do", Words(order), step.order)) return false;
+        AddStep(std::move(step));
         return true;
     } else if (word == "unplug") {
         block_->unplug = true;
@@ -411,10 +456,7 @@ bool Parser::AddText(std::string_view text, std::uint64_t times) {
 }
 
 bool Parser::AddFramed(std::string_view text) {
-    constexpr std::string_view kReportSigns = "+^$%";
-    const bool own_frame =
-        block_->fresh || IsResultCode(text) ||
-        (block_->report && !text.empty() && kReportSigns.find(text.front()) != std::string_view::npos);
+    const bool own_frame = block_->fresh || HasOwnBreak(text, block_->report);
     std::string framed;
     if (own_frame && !block_->broken && !text.empty()) framed = "\r\n";
     framed += text;
@@ -461,6 +503,12 @@ std::string Problem::Text() const {
     return file + (line == 0 ? std::string() : ":" + std::to_string(line)) + ": " + reason;
 }
 
+bool HasOwnBreak(std::string_view line, bool in_report) {
+    constexpr std::string_view kReportSigns = "+^$%";
+    return IsResultCode(line) ||
+           (in_report && !line.empty() && kReportSigns.find(line.front()) != std::string_view::npos);
+}
+
 bool IsResultCode(std::string_view line) {
     constexpr std::array<std::string_view, 8> kWhole = {"OK",         "ERROR",     "BUSY",        "RING",
                                                         "NO CARRIER", "NO ANSWER", "NO DIALTONE", "CONNECT"};
@@ -501,7 +549,9 @@ std::optional<std::string> ReadScenarioFile(const std::string& path, std::string
 
 ParseResult ParseScenario(const std::string& name, std::string_view text, const FileReader& reader) {
     ParseResult result;
-    Parser(result, reader).File(name, text, 0);
+    Parser parser(result, reader);
+    parser.File(name, text, 0);
+    parser.CheckModem();
     return result;
 }
 

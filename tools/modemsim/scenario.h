@@ -4,7 +4,6 @@
 // A scenario says what the simulated modem answers, how fast, and what it reports by itself. docs/modemsim.md
 // describes the text form; here is what the parser makes of it.
 
-#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -13,41 +12,33 @@
 #include <string_view>
 #include <vector>
 
+#include "tools/modemsim/order.h"
 #include "tools/modemsim/pattern.h"
+#include "tools/modemsim/timing.h"
 
 namespace modemsim {
-
-using Time = std::chrono::microseconds;
 
 // Limits of a scenario. Each is named in the message that refuses what exceeds it.
 inline constexpr std::size_t kMaxScenarioBytes = std::size_t{4} << 20;  // one file
 inline constexpr std::size_t kMaxScenarioLine = 4096;                   // characters of one line of it
 inline constexpr std::size_t kMaxIncludeDepth = 8;
-inline constexpr std::size_t kMaxFiles = 64;      // of a scenario, included ones counted each time
-inline constexpr std::size_t kMaxPattern = 1024;  // characters of a command line in a rule
-inline constexpr std::size_t kMaxRules = 4096;    // of a scenario
-inline constexpr std::size_t kMaxReports = 512;   // of a scenario
-inline constexpr std::size_t kMaxAnswer = std::size_t{1} << 20;    // bytes of one answer or report
-inline constexpr std::size_t kMaxPieceSizes = 64;                  // sizes of one "pieces"
-inline constexpr std::uint64_t kMaxRepeat = 1'000'000;             // of "repeat" and "times"
-inline constexpr std::uint64_t kMaxPace = 100'000'000;             // bytes per second
-inline constexpr Time kMaxTime = std::chrono::hours(24);           // of every time
-inline constexpr Time kDefaultGap = std::chrono::milliseconds(1);  // between pieces
-inline constexpr std::size_t kMaxProblems = 20;                    // reported of one scenario
-
-// How an answer is cut: the sizes in turn, the last one for all the rest. No sizes: one piece.
-struct Pieces {
-    std::vector<std::size_t> sizes;
-    Time gap = kDefaultGap;
-};
+inline constexpr std::size_t kMaxFiles = 64;            // of a scenario, included ones counted each time
+inline constexpr std::size_t kMaxPattern = 1024;        // characters of a command line in a rule
+inline constexpr std::size_t kMaxRules = 4096;          // of a scenario
+inline constexpr std::size_t kMaxReports = 512;         // of a scenario
+inline constexpr std::uint64_t kMaxRepeat = 1'000'000;  // of "repeat" and "times"
+inline constexpr std::uint64_t kMaxPace = 100'000'000;  // bytes per second
+inline constexpr std::uint64_t kMaxSeed = 1'000'000'000;
+inline constexpr std::size_t kMaxProblems = 20;  // reported of one scenario
 
 struct Step {
-    enum class Kind { Text, Wait, Pieces, Echo, Prompt, Unplug };
+    enum class Kind { Text, Wait, Pieces, Echo, Prompt, Unplug, Order, Modem };
     Kind kind = Kind::Text;
-    std::string text;  // Text: the bytes as they go to the line
-    Time wait{0};      // Wait
-    Pieces pieces;     // Pieces: holds from here to the end of the answer
-    bool on = false;   // Echo: holds from here on for every line
+    std::string text;            // Text: the bytes as they go to the line
+    Time wait{0};                // Wait
+    Pieces pieces;               // Pieces: holds from here to the end of the answer
+    bool on = false;             // Echo: holds from here on for every line
+    modemsim::Order order = {};  // Order
 };
 
 // A place in a scenario. `file` is an index into Scenario::files.
@@ -82,6 +73,9 @@ struct Scenario {
     Time latency{0};                   // from the end of a line to its answer
     std::uint64_t pace = 0;            // bytes per second, 0: as fast as it goes
     Pieces pieces;                     // of every answer and report
+    bool use_modem = false;            // lines without a rule go to the modem with a memory
+    std::uint64_t seed = 1;            // of everything random
+    std::vector<Order> orders;         // done at the start
     bool clock_at_first_line = false;  // reports count from the first command line, not from the start
     std::vector<RuleGroup> groups;
     std::vector<Report> reports;
@@ -121,6 +115,10 @@ ParseResult ParseScenario(const std::string& name, std::string_view text,
 
 // Reads and parses the file at `path`.
 ParseResult LoadScenario(const std::string& path);
+
+// True when a line has a line break of its own in front wherever it stands: a result code, and in a report
+// also what begins with a report's sign.
+bool HasOwnBreak(std::string_view line, bool in_report);
 
 // True for the lines that end an answer or stand alone, and so have a line break of their own in front: OK,
 // ERROR, +CME ERROR: 10, NO CARRIER, CONNECT 150000000, RING and their like.

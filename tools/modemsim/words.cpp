@@ -40,14 +40,18 @@ std::string Quoted(std::string_view word) {
     return "'" + std::string(word) + "'";
 }
 
+std::string ListOf(std::span<const std::string_view> words) {
+    std::string text;
+    for (const std::string_view word : words)
+        text += " " + std::string(word);
+    return text;
+}
+
 std::string UnknownWord(std::string_view word, std::span<const std::string_view> known) {
     const std::string_view nearest = Nearest(word, known);
-    std::string text = "unknown word " + Quoted(word);
+    const std::string text = "unknown word " + Quoted(word);
     if (!nearest.empty()) return text + ", did you mean " + Quoted(nearest) + "?";
-    text += " (known here:";
-    for (const std::string_view candidate : known)
-        text += " " + std::string(candidate);
-    return text + ")";
+    return text + " (known here:" + ListOf(known) + ")";
 }
 
 void Words::Skip() {
@@ -197,6 +201,35 @@ std::optional<std::string> ReadQuoted(std::string_view text, std::string& reason
         return std::nullopt;
     }
     return value;
+}
+
+std::optional<Pieces> ReadPieces(Words& words, std::string& reason) {
+    std::string_view sizes = words.Next();
+    Pieces pieces;
+    if (sizes.empty()) {
+        reason = "sizes are missing: 'whole', or numbers of bytes such as 1,5,20";
+        return std::nullopt;
+    }
+    if (sizes == "whole") return pieces;
+    while (true) {
+        const std::size_t comma = sizes.find(',');
+        const auto size = ReadNumber(sizes.substr(0, comma), 1, kMaxAnswer, reason);
+        if (!size) return std::nullopt;
+        if (pieces.sizes.size() == kMaxPieceSizes) {
+            reason = "more than " + std::to_string(kMaxPieceSizes) + " sizes";
+            return std::nullopt;
+        }
+        pieces.sizes.push_back(static_cast<std::size_t>(*size));
+        if (comma == std::string_view::npos) break;
+        sizes.remove_prefix(comma + 1);
+    }
+    if (words.Peek() == "gap") {
+        words.Next();
+        const auto gap = ReadTime(words.Next(), reason);
+        if (!gap) return std::nullopt;
+        pieces.gap = *gap;
+    }
+    return pieces;
 }
 
 std::string_view Nearest(std::string_view word, std::span<const std::string_view> candidates) {

@@ -10,7 +10,7 @@
 #include <string>
 #include <string_view>
 
-#include "tools/modemsim/scenario.h"
+#include "tools/modemsim/timing.h"
 
 namespace modemsim {
 
@@ -50,6 +50,12 @@ int HexDigit(char c);
 
 // The word between single quotes, for messages.
 std::string Quoted(std::string_view word);
+
+// "whole", or sizes such as 1,5,20, and "gap TIME".
+std::optional<Pieces> ReadPieces(Words& words, std::string& reason);
+
+// " a b c".
+std::string ListOf(std::span<const std::string_view> words);
 
 // "unknown word 'WORD'", and which of the known ones was probably meant, or all of them.
 std::string UnknownWord(std::string_view word, std::span<const std::string_view> known);
