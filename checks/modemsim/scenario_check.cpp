@@ -234,8 +234,10 @@ TEST(Scenario, IncludedReportsAfterTheSameLineAreReplaced) {
 TEST(Scenario, ProblemsAreReportedTogetherUpToALimit) {
     EXPECT_EQ(
         Problems("foo\nbar\non AT\n    | OK\n"),
-        "main.modem:1: unknown word 'foo' (known here: include echo latency pace pieces clock on report)\n"
-        "main.modem:2: unknown word 'bar' (known here: include echo latency pace pieces clock on report)\n");
+        "main.modem:1: unknown word 'foo' (known here: include echo latency pace pieces clock on report use "
+        "seed do fault)\n"
+        "main.modem:2: unknown word 'bar' (known here: include echo latency pace pieces clock on report use "
+        "seed do fault)\n");
     std::string many;
     for (int i = 0; i < 100; ++i)
         many += "bad\n";
@@ -275,7 +277,48 @@ INSTANTIATE_TEST_SUITE_P(
         Malformed{"StepMisspelt", kRule + "promt\n", "2: unknown word 'promt', did you mean 'prompt'?"},
         Malformed{"StepUnknown", kRule + "xylophone\n",
                   "2: unknown word 'xylophone' (known here: | send repeat wait pieces echo prompt silent "
-                  "until unplug)"},
+                  "until unplug modem do fault)"},
+        Malformed{"UseNothing", "use\n", "1: 'modem' is missing: there is nothing else to use"},
+        Malformed{"UseOther", "use modm\n", "1: 'modem' is missing: there is nothing else to use"},
+        Malformed{"SeedNoNumber", "seed x\n", "1: 'x' is not a number"},
+        Malformed{"OrderMissing", "do\n",
+                  "1: an order is missing; known are ring answer busy hangup message ussd network sim signal "
+                  "data raw send unplug replug fault state help quit"},
+        Malformed{"OrderMisspelt", kRule + "do rnig 121\n", "2: unknown word 'rnig', did you mean 'ring'?"},
+        Malformed{"OrderObjectMisspelt", kRule + "do network loose\n",
+                  "2: behind 'network': unknown word 'loose', did you mean 'lose'?"},
+        Malformed{"OrderObjectMissing", kRule + "do sim\n", "2: 'sim' needs one of pull insert lock"},
+        Malformed{"OrderNumberMissing", kRule + "do ring\n",
+                  "2: a telephone number is missing; the order is: ring NUMBER"},
+        Malformed{"OrderNumberWrong", kRule + "do ring Anna\n",
+                  "2: 'Anna' is no telephone number: digits, and a + in front; the order is: ring NUMBER"},
+        Malformed{"OrderTextMissing", kRule + "do message 121\n",
+                  "2: a text is missing; the order is: message NUMBER TEXT"},
+        Malformed{"OrderTooMuch", kRule + "do hangup now\n", "2: 'now' is too much; the order is: hangup"},
+        Malformed{"OrderForControl", kRule + "do quit\n",
+                  "2: 'quit' is for the control socket, not for a scenario"},
+        Malformed{"OrderWithoutModem", kRule + "do ring 121\n",
+                  "2: 'ring' needs the modem with a memory: the scenario must say 'use modem'"},
+        Malformed{"StepWithoutModem", kRule + "modem\n",
+                  "2: 'modem' needs the modem with a memory: the scenario must say 'use modem'"},
+        Malformed{"StepBehindModem", "use modem\n" + kRule + "modem\n    | OK\n",
+                  "4: nothing can follow 'modem'"},
+        Malformed{"ModemInReport", "use modem\nreport at 1s\n    modem\n",
+                  "3: 'modem' belongs to a rule: it answers a line"},
+        Malformed{
+            "FaultUnknown", "fault dust\n",
+            "1: behind 'fault': unknown word 'dust' (known here: delay split glue late mute garbage storm "
+            "echo off)"},
+        Malformed{"FaultWithoutTime", kRule + "fault delay\n",
+                  "2: a time is missing (such as 300ms or 2s); the order is: fault delay TIME"},
+        Malformed{"FaultOfNoTime", kRule + "fault glue 0s\n",
+                  "2: the time must be above 0; the order is: fault glue TIME"},
+        Malformed{"FaultCountTooLarge", kRule + "fault storm 100001\n",
+                  "2: '100001' is not in the range 1 to 100000; the order is: fault storm N [TIME]"},
+        Malformed{"SignalOutOfRange", kRule + "do signal 32\n",
+                  "2: '32' is no signal level: 0 to 31, or 99 for none; the order is: signal LEVEL"},
+        Malformed{"UnplugForSomeTime", kRule + "unplug soon\n",
+                  "2: 'soon' is not a time (such as 300ms, 1.5s or 2min); the order is: unplug [TIME]"},
         Malformed{"LineTooLong", "#" + std::string(kMaxScenarioLine, 'x') + "\n",
                   "1: the line is longer than 4096 characters"},
         Malformed{"NulByte", std::string("on AT\n    | O\0K\n", 15),

@@ -13,22 +13,13 @@
 namespace modemsim {
 namespace {
 
+const std::string kPlainOk = "\r\nOK\r\n";
+
 Scenario Shipped(const std::string& name) {
     ParseResult result = LoadScenario(FindScenario(name));
     for (const Problem& problem : result.problems)
         ADD_FAILURE() << problem.Text();
     return result.scenario;
-}
-
-std::string AllText(const Scenario& scenario) {
-    std::string text;
-    for (const RuleGroup& group : scenario.groups) {
-        for (const Rule& rule : group.rules) {
-            for (const Step& step : rule.steps)
-                text += step.text;
-        }
-    }
-    return text;
 }
 
 // Check digit of a number by the rule that IMEIs follow.
@@ -44,7 +35,7 @@ bool CheckDigitFits(const std::string& digits) {
 
 TEST(Shipped, EveryScenarioParses) {
     const std::vector<std::string> names = ShippedScenarios();
-    EXPECT_GE(names.size(), 7U);
+    EXPECT_GE(names.size(), 10U);
     for (const std::string& name : names) {
         SCOPED_TRACE(name);
         EXPECT_GE(Shipped(name).RuleCount(), 1U);
@@ -86,8 +77,11 @@ TEST(Shipped, DefaultModemAnswersEveryCommandOfItsRange) {
                                             "AT+CMGL=0",
                                             "AT+CMGR=2",
                                             "ATD07700900123;",
-                                            "ATA",
+                                            "AT+VTS=1",
                                             "AT+CHUP",
+                                            "AT+ZVN",
+                                            "AT+ZRTEMP",
+                                            "AT+ZSTM",
                                             "AT+CPBR=1",
                                             "AT+CPBR=1,100",
                                             "AT+CPBR=?",
@@ -121,10 +115,11 @@ TEST(Shipped, DefaultModemAnswersEveryCommandOfItsRange) {
 
 TEST(Shipped, DefaultModemSendsMessages) {
     VirtualModem modem(Shipped("default"));
-    EXPECT_EQ(modem.Ask("AT+CMGS=20\r"), "\r\n> ");
-    EXPECT_EQ(modem.Ask("0011\x1A"), "\r\n+CMGS: 17\r\n\r\nOK\r\n");
-    EXPECT_EQ(modem.Ask("AT+CMGS=20\r"), "\r\n> ");
-    EXPECT_EQ(modem.Ask("0011\x1A"), "\r\n+CMGS: 18\r\n\r\nOK\r\n");
+    const std::string pdu = "0011000B917744770009F10000AA05E8329BFD06\x1A";
+    EXPECT_EQ(modem.Ask("AT+CMGS=19\r"), "\r\n> ");
+    EXPECT_EQ(modem.Ask(pdu), "\r\n+CMGS: 17\r\n\r\nOK\r\n");
+    EXPECT_EQ(modem.Ask("AT+CMGS=19\r"), "\r\n> ");
+    EXPECT_EQ(modem.Ask(pdu), "\r\n+CMGS: 18\r\n\r\nOK\r\n");
 }
 
 TEST(Shipped, DefaultOperatorSearchTakesSeconds) {
@@ -137,6 +132,7 @@ TEST(Shipped, DefaultOperatorSearchTakesSeconds) {
 TEST(Shipped, DefaultCallIsAnsweredUnlessHungUp) {
     VirtualModem modem(Shipped("default"));
     EXPECT_EQ(modem.Ask("ATD07700900123;\r"), "\r\nOK\r\n\r\nRINGBACK\r\n\r\nVOICE CONNECT\r\n");
+    modem.Ask("AT+CHUP\r");
     EXPECT_EQ(modem.Ask("ATD07700900123;\r", 2000), "\r\nOK\r\n\r\nRINGBACK\r\n");
     EXPECT_EQ(modem.Ask("AT+CHUP\r"), "\r\nOK\r\n\r\nHANGUP: 16\r\n");
 }
@@ -152,8 +148,9 @@ TEST(Shipped, DefaultIdentityIsWellFormed) {
 // Each header's length counts the bytes behind the service centre's address, and the fields inside add up to
 // it.
 TEST(Shipped, DefaultMessagesAreValid) {
-    const std::string text = AllText(Shipped("default"));
-    const Regex entry("\\+CMG[LR]: ([0-9]+,)?([0-3]),(\"[^\"]*\")?,([0-9]+)\r\n([0-9A-F]+)\r\n");
+    VirtualModem modem(Shipped("default"));
+    const std::string text = modem.Ask("AT+CMGL=4\r");
+    const Regex entry("\\+CMGL: ([0-9]+,)?([0-3]),(\"[^\"]*\")?,([0-9]+)\r\n([0-9A-F]+)\r\n");
     std::set<std::string> pdus;
     std::size_t from = 0;
     for (auto match = entry.Next(text, from); !match.empty(); match = entry.Next(text, from)) {
@@ -181,7 +178,9 @@ TEST(Shipped, DefaultMessagesAreValid) {
 }
 
 TEST(Shipped, DefaultLinesFitTheReaders) {
-    const std::string text = AllText(Shipped("default"));
+    VirtualModem modem(Shipped("default"));
+    const std::string text =
+        modem.Ask("AT+CMGL=4\rAT+CPBR=1,250\rAT+ZCPBR=1,250\rAT+COPS=?\rAT+ZCELLINFO?\r");
     std::size_t start = 0;
     for (std::size_t end = text.find("\r\n"); end != std::string::npos; end = text.find("\r\n", start)) {
         EXPECT_LT(end - start, 1000U) << text.substr(start, 60);
@@ -220,9 +219,9 @@ TEST(Shipped, ReportsModemSpeaksAfterTheFirstLine) {
     VirtualModem modem(Shipped("reports"));
     EXPECT_EQ(modem.TextUntil(20'000), "");
     const std::string text = modem.Ask("AT\r", 30'000);
-    for (const char* part : {"\r\n+CREG: 2\r\n", "\r\n+CMTI: \"SM\",6\r\n",
+    for (const char* part : {"\r\n+CMTI: \"SM\",6\r\n", "\r\n+CREG: 2\r\n", "\r\n+CREG: 1,\"1A2B\",",
                              "\r\n+ZNITZ: ", "\r\nRING\r\n\r\n+CLIP: \"+447700900123\"", "\r\nSTOPRING\r\n",
-                             "\r\n+CDS: 24\r\n0791"})
+                             "\r\n+CDS: 25\r\n0791"})
         EXPECT_NE(text.find(part), std::string::npos) << part;
     EXPECT_EQ(modem.Ask("ATD07700900999;\r"), "\r\nOK\r\n\r\nBUSY\r\n");
 }
@@ -233,6 +232,86 @@ TEST(Shipped, ReportsModemStopsRingingWhenAnswered) {
     const std::string text = modem.Ask("ATA\r", 30'000);
     EXPECT_EQ(text.find("RING"), std::string::npos) << text;
     EXPECT_NE(text.find("VOICE CONNECT"), std::string::npos) << text;
+}
+
+TEST(Shipped, LockedModemWantsItsPinFirst) {
+    VirtualModem modem(Shipped("locked"));
+    modem.TextUntil(1000);
+    EXPECT_EQ(modem.Ask("AT+CPIN?\r"), "\r\n+CPIN: SIM PIN\r\n\r\nOK\r\n");
+    EXPECT_EQ(modem.Ask("AT+CMGL=4\r"), "\r\n+CMS ERROR: 311\r\n");
+    EXPECT_NE(modem.Ask("AT+CPIN=\"1234\"\r").find("+CREG: 1,"), std::string::npos);
+    EXPECT_NE(modem.Ask("AT+CMGL=4\r").find("+CMGL: 1,"), std::string::npos);
+}
+
+TEST(Shipped, CoverageModemLosesTheNetworkAndFindsIt) {
+    VirtualModem modem(Shipped("coverage"));
+    EXPECT_NE(modem.Ask("AT\r", 9000).find("^HRSSILVL:"), std::string::npos);
+    EXPECT_NE(modem.Ask("AT\r", 3000).find("\r\n+CREG: 2\r\n"), std::string::npos);
+    EXPECT_EQ(modem.Ask("AT+CSQ\r", 100), "\r\n+CSQ: 99,99\r\n\r\nOK\r\n");
+    EXPECT_NE(modem.Ask("AT\r", 6000).find("\r\n+CREG: 1,"), std::string::npos);
+}
+
+TEST(Shipped, FaultsModemHasOneFaultAfterTheOther) {
+    VirtualModem modem(Shipped("faults"));
+    EXPECT_EQ(modem.Ask("AT\r", 1000), kPlainOk);
+    // Late, and overtaken by the next one.
+    modem.Core().Receive("AT+CSQ\r", modem.Now());
+    EXPECT_EQ(modem.Ask("AT\r", 1000), kPlainOk);
+    EXPECT_EQ(modem.TextUntil(12'000), "");
+    EXPECT_NE(modem.TextUntil(16'000).find("+CSQ: "), std::string::npos);
+    EXPECT_EQ(modem.Ask("AT\r", 1900), "");
+    EXPECT_EQ(modem.TextUntil(21'000), kPlainOk);
+    modem.Core().Receive("AT\r", modem.Now());
+    EXPECT_EQ(modem.Until(22'000).size(), 3U);  // in pieces
+    modem.TextUntil(31'000);
+    modem.Core().Receive("AT\rAT\r", modem.Now());
+    EXPECT_EQ(modem.Until(32'000).size(), 1U);  // glued
+    modem.TextUntil(41'000);
+    EXPECT_EQ(modem.Ask("AT\r", 1000).size(), kPlainOk.size() + 5);  // garbage
+    modem.TextUntil(51'000);
+    EXPECT_EQ(modem.Ask("AT\r", 1000), "AT\r" + kPlainOk);  // echo
+    EXPECT_EQ(modem.Until(65'000).size(), 200U);            // storm
+    modem.TextUntil(71'000);
+    EXPECT_EQ(modem.Ask("AT\r", 1000), "");  // mute
+    modem.TextUntil(76'000);
+    EXPECT_EQ(modem.Ask("AT\r", 1000), kPlainOk);
+}
+
+TEST(Shipped, UnplugModemGoesAndComesBackAsNew) {
+    VirtualModem modem(Shipped("unplug"));
+    modem.Ask("AT\r", 19'000);
+    modem.Ask("AT+CMGD=1\r", 500);
+    EXPECT_TRUE(modem.Core().PluggedIn());
+    modem.TextUntil(21'000);
+    EXPECT_FALSE(modem.Core().PluggedIn());
+    EXPECT_EQ(modem.Ask("AT\r", 1000), "");
+    modem.TextUntil(30'000);
+    EXPECT_TRUE(modem.Core().PluggedIn());
+    EXPECT_EQ(modem.Ask("AT+CMGR=1\r", 500), "\r\n+CMS ERROR: 321\r\n");
+    EXPECT_EQ(modem.Ask("AT+CGACT?\r", 500), "\r\n+CGACT: 1,0\r\n+CGACT: 2,0\r\n\r\nOK\r\n");
+    modem.TextUntil(81'000);
+    EXPECT_FALSE(modem.Core().PluggedIn());
+}
+
+TEST(Shipped, FlakyModemFailsOnceAndThenAnswersItself) {
+    VirtualModem modem(Shipped("flaky"));
+    EXPECT_EQ(modem.Ask("AT+CSQ\r"), "\r\n+CME ERROR: 100\r\n");
+    EXPECT_EQ(modem.Ask("AT+CSQ\r"), "\r\n+CSQ: 21,99\r\n\r\nOK\r\n");
+    EXPECT_EQ(modem.Ask("AT+CREG?\r", 2900), "");
+    EXPECT_EQ(modem.Ask("", 200), "\r\n+CREG: 2,1,\"1A2B\",\"00C3D4E5\"\r\n\r\nOK\r\n");
+    EXPECT_EQ(modem.Ask("AT+CMGS=19\r"), "\r\n> ");
+    EXPECT_EQ(modem.Ask("00\x1A"), "\r\n+CMS ERROR: 38\r\n");
+    EXPECT_EQ(modem.Ask("AT+CMGS=19\r"), "\r\n> ");
+    EXPECT_EQ(modem.Ask("0011000B917744770009F10000AA05E8329BFD06\x1A"), "\r\n+CMGS: 17\r\n\r\nOK\r\n");
+}
+
+TEST(Shipped, DemoModemTellsWhatItWasAskedToTell) {
+    VirtualModem modem(Shipped("demo"));
+    EXPECT_EQ(modem.Ask("AT+CNMI=2,1,0,0,0\r"), kPlainOk + "\r\n+CMTI: \"SM\",6\r\n");
+    EXPECT_EQ(modem.Ask("AT+CLIP=1\r"), kPlainOk +
+                                            "\r\nRING\r\n\r\n+CLIP: \"+447700900123\",145,,,,0\r\n"
+                                            "\r\nSTOPRING\r\n");
+    EXPECT_EQ(modem.Ask("AT+CREG=2\r"), kPlainOk + "\r\n+CREG: 2\r\n\r\n+CREG: 1,\"1A2C\",\"00C3D4F7\"\r\n");
 }
 
 TEST(Shipped, PromptModemTreatsEachMessageDifferently) {

@@ -42,6 +42,16 @@ class VirtualModem {
         return sent;
     }
 
+    // The next piece that the modem sends, however long that takes; empty when it sends nothing more.
+    std::string Next() {
+        while (true) {
+            if (const auto piece = engine_.Take(now_)) return piece->bytes;
+            const auto next = engine_.NextTime();
+            if (!next) return {};
+            now_ = std::max(now_, *next);
+        }
+    }
+
     // The same as one text.
     std::string TextUntil(std::int64_t ms) {
         std::string text;

@@ -104,7 +104,10 @@ Reply Calls::Dial(const CommandLine& line) {
             modem_.Say({"RINGBACK"});
         });
         if (number == kNobodyThere) {
-            modem_.In(seconds(30), [this, call] { End(call, "NO ANSWER"); });
+            modem_.In(seconds(30), [this, call] {
+                const Call* dialled = Find(call);
+                if (dialled != nullptr && dialled->state == kAlerting) End(call, "NO ANSWER");
+            });
             return;
         }
         modem_.In(seconds(4), [this, call] {

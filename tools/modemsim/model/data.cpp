@@ -94,8 +94,9 @@ Reply Data::Define(const CommandLine& line) {
     if (line.form != Form::Set || !cid || *cid < 1 || *cid > kMostContexts)
         return Reply::Error(Cme::WrongParameters);
     const auto context = contexts_.find(*cid);
-    if (context != contexts_.end() && context->second.active) return Reply::Error(Cme::NotAllowed);
+    const bool active = context != contexts_.end() && context->second.active;
     if (line.args.size() == 1) {
+        if (active) return Reply::Error(Cme::NotAllowed);
         contexts_.erase(*cid);
         return Reply::Ok();
     }
@@ -104,7 +105,7 @@ Reply Data::Define(const CommandLine& line) {
     const auto header = line.NumberOr(5, 0);
     if ((type != "IP" && type != "IPV6" && type != "IPV4V6") || !data || !header)
         return Reply::Error(Cme::WrongParameters);
-    contexts_[*cid] = {type, line.Text(2), line.Text(3), *data, *header, false};
+    contexts_[*cid] = {type, line.Text(2), line.Text(3), *data, *header, active};
     return Reply::Ok();
 }
 
