@@ -15,10 +15,8 @@ struct Subcommand {
 };
 
 constexpr std::array kSubcommands = {
-    Subcommand{"play", modemsim::Play},
-    Subcommand{"record", modemsim::Record},
-    Subcommand{"replay", modemsim::Replay},
-    Subcommand{"redact", modemsim::Redact},
+    Subcommand{"play", modemsim::Play},     Subcommand{"record", modemsim::Record},
+    Subcommand{"replay", modemsim::Replay}, Subcommand{"redact", modemsim::Redact},
     Subcommand{"ctl", modemsim::Ctl},
 };
 

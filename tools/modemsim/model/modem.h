@@ -14,8 +14,8 @@
 #include <string>
 #include <vector>
 
-#include "tools/modemsim/model/calls.h"
 #include "tools/modemsim/model/at_line.h"
+#include "tools/modemsim/model/calls.h"
 #include "tools/modemsim/model/data.h"
 #include "tools/modemsim/model/general.h"
 #include "tools/modemsim/model/messages.h"
