@@ -52,6 +52,8 @@ offers 'atctl monitor sms s' sim
 offers 'atctl xyzzy '
 offers 'modemsim --che' --check
 offers 'modemsim demo' demo
+offers 'modemsim ctl ri' ring
+offers 'modemsim ctl network ' lose restore roam
 offers 'cfgctl g' get
 
 # A blank follows a word that is whole, and none follows "name=".

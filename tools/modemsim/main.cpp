@@ -15,9 +15,11 @@ struct Subcommand {
 };
 
 constexpr std::array kSubcommands = {
-    Subcommand{"play", modemsim::Play},     Subcommand{"record", modemsim::Record},
-    Subcommand{"replay", modemsim::Replay}, Subcommand{"redact", modemsim::Redact},
-    Subcommand{"ctl", modemsim::Ctl},
+    Subcommand{"play", modemsim::Play},      // is a modem
+    Subcommand{"ctl", modemsim::Ctl},        // steers one that runs
+    Subcommand{"record", modemsim::Record},  // writes down what a real one says
+    Subcommand{"replay", modemsim::Replay},  // says it again
+    Subcommand{"redact", modemsim::Redact},  // without what is private
 };
 
 }  // namespace
