@@ -49,6 +49,6 @@ function(at_prove_platform paths)
       "platform/example/ shows the smallest one that serves.")
   endif()
   message(FATAL_ERROR "The platform library cannot be linked: ${shown}\n"
-    "It has all functions of platform/platform.h, but is for another processor or needs libraries of its own; give "
-    "those too: -DAT_PLATFORM=\"FIRST;SECOND\". The linker said:\n${output}")
+    "It is for another processor, or no library at all, or needs libraries of its own; give those too: "
+    "-DAT_PLATFORM=\"FIRST;SECOND\". The linker said:\n${output}")
 endfunction()
