@@ -20,7 +20,7 @@ using Json = nlohmann::json;
 
 constexpr char kUsage[] =
     "usage: end_to_end DAEMON BARE LOG_SWITCH [--quick] [--into FILE]\n"
-    "Runs inside scripts/sandbox, for four minutes or, with --quick, half of one. FILE is JSON that the "
+    "Runs inside scripts/sandbox, for five minutes or, with --quick, one. FILE is JSON that the "
     "figures are\n"
     "added to.\n";
 
