@@ -115,8 +115,8 @@ typedef struct {
     uint16_t cmd_id;  /* of the request that is answered, or of the report */
     uint8_t cmd_type; /* AT_CMD_TYPE_... */
     uint8_t result;   /* AT_RESULT_... */
-    uint16_t
-        record_size; /* bytes of the whole record; may exceed what came where it is handed over in a file */
+    /* Bytes of the whole record; may exceed what came where it is handed over in a file. */
+    uint16_t record_size;
     uint16_t size;   /* bytes of the parameters that came: record_size, at most AT_RESPONSE_PARAS_SIZE */
     uint16_t length; /* bytes of body that came, AT_WIRE_SIZE but for foreign ones; the rest is zero */
     uint8_t body[AT_WIRE_SIZE]; /* what travelled: MSG_BUF behind its lMsgType */
@@ -242,7 +242,8 @@ at_client_error at_client_look_at_server(at_client* client, at_client_server* se
 
 /* What an error means and what to do, in English, without a line break; never null, not to be freed. */
 const char* at_client_error_text(at_client_error error);
-/* The same for a result, AT_RESULT_...: "OK", "the modem gave no answer in time", ... */
+/* The same for a result, AT_RESULT_...: "OK", "the modem gave no answer in time", ... With a CMS or CME error
+ * the parameters hold the modem's own text, see at_client_text. */
 const char* at_client_result_text(uint8_t result);
 
 #ifdef __cplusplus

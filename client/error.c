@@ -41,13 +41,13 @@ const char* at_client_result_text(uint8_t result) {
         case AT_RESULT_OK:
             return "OK";
         case AT_RESULT_ERROR:
-            return "the modem refused the command (ERROR)";
+            return "error";
         case AT_RESULT_CMS_ERROR:
-            return "message service error (the parameters hold its text)";
+            return "message service error (CMS)";
         case AT_RESULT_CME_ERROR:
-            return "equipment error (the parameters hold its text)";
+            return "modem error (CME)";
         case AT_RESULT_TIMEOUT:
-            return "the modem gave no answer in the command's time";
+            return "the modem gave no answer in time";
         case AT_RESULT_BUSY:
             return "busy";
         case AT_RESULT_USSD_ERROR:

@@ -8,20 +8,6 @@ namespace {
 
 constexpr uint16_t kModules[] = {0x1002, 0x1003, 0x100a, 0x100e, 0x1019, 0x101c, 0x1022};
 
-Wire Report(uint16_t module, uint16_t id, uint8_t type, const Bytes& paras) {
-    const _BK_AT_RES_T res = Res(id, type, AT_RESULT_OK, paras);
-    Wire report;
-    report.type = 1;
-    report.record.lMsgType = 1;
-    report.record.usTargetModuleID = module;
-    report.record.usSourceModuleID = AT_MODULE_SERVER;
-    report.record.usMsgCmd = AT_MESSAGE_COMMAND;
-    report.record.usDataLen = 518;
-    report.record.ulMagic = AT_MESSAGE_MAGIC;
-    memcpy(report.record.aucDataBuf, &res, sizeof res);
-    return report;
-}
-
 Wire NewMessage(int32_t index) {
     return Report(AT_MODULE_SMS, 0x0110, 1, Text("SM", 12) + Integers({index}));
 }

@@ -77,6 +77,20 @@ bool PutInto(int queue, const Wire& message, size_t size) {
     return msgsnd(queue, &wire, size, IPC_NOWAIT) == 0;
 }
 
+Wire Report(uint16_t module, uint16_t id, uint8_t type, const Bytes& paras) {
+    const _BK_AT_RES_T res = Res(id, type, AT_RESULT_OK, paras);
+    Wire report;
+    report.type = 1;
+    report.record.lMsgType = 1;
+    report.record.usTargetModuleID = module;
+    report.record.usSourceModuleID = AT_MODULE_SERVER;
+    report.record.usMsgCmd = AT_MESSAGE_COMMAND;
+    report.record.usDataLen = 518;
+    report.record.ulMagic = AT_MESSAGE_MAGIC;
+    memcpy(report.record.aucDataBuf, &res, sizeof res);
+    return report;
+}
+
 Queue::Queue(key_t key, int mode) : id_(msgget(key, IPC_CREAT | IPC_EXCL | mode)) {
     if (id_ < 0) throw std::runtime_error("a queue of this check exists already, or none can be made");
 }

@@ -39,6 +39,9 @@ struct Wire {
 bool TakeFrom(int queue, Wire& message);  // false when the queue is empty
 bool PutInto(int queue, const Wire& message, size_t size = AT_WIRE_SIZE);
 
+// A report of the server's to a module.
+Wire Report(uint16_t module, uint16_t id, uint8_t type, const Bytes& paras);
+
 // A queue under this key, removed at the end.
 class Queue {
   public:

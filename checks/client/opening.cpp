@@ -2,6 +2,7 @@
 #include <sys/msg.h>
 
 #include <cerrno>
+#include <fstream>
 #include <set>
 
 #include "checks/client/support.h"
@@ -163,6 +164,22 @@ TEST(Opening, AKeptQueueOfAnotherUserIsRefused) {
     WithoutPrivileges([] {
         EXPECT_EQ(RefusedOpening(Module(PrivateModule(), AT_CLIENT_QUEUE_KEPT)), AT_CLIENT_NO_PERMISSION);
     });
+}
+
+TEST(Opening, ASystemWithoutRoomForAnotherQueueSaysSo) {
+    // The sandbox has its own limit, which its root may set.
+    const auto limit = [](int queues) {
+        std::ofstream file("/proc/sys/kernel/msgmni");
+        file << queues << std::endl;
+        return file.good();
+    };
+    int before = 0;
+    std::ifstream("/proc/sys/kernel/msgmni") >> before;
+    const Client client = Open(OptionsFor(0));
+    if (!limit(1)) GTEST_SKIP() << "the limit of queues cannot be set here";
+    EXPECT_EQ(RefusedOpening(OptionsFor(0)), AT_CLIENT_NO_QUEUE);
+    EXPECT_EQ(errno, ENOSPC);
+    EXPECT_TRUE(limit(before));
 }
 
 TEST(Opening, WhatCannotWorkIsMisuse) {

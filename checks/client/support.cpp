@@ -41,17 +41,7 @@ void Fill(int queue) {
 }
 
 Wire Report(uint16_t module, uint16_t cmd_id, int32_t value) {
-    Wire report;
-    report.type = 1;
-    report.record.lMsgType = 1;
-    report.record.usTargetModuleID = module;
-    report.record.usSourceModuleID = AT_MODULE_SERVER;
-    report.record.usMsgCmd = AT_MESSAGE_COMMAND;
-    report.record.usDataLen = 518;
-    report.record.ulMagic = AT_MESSAGE_MAGIC;
-    const _BK_AT_RES_T res = Res(cmd_id, AT_CMD_TYPE_EXEC, AT_RESULT_OK, Integers({value}));
-    memcpy(report.record.aucDataBuf, &res, sizeof res);
-    return report;
+    return Report(module, cmd_id, AT_CMD_TYPE_EXEC, Integers({value}));
 }
 
 void PutReport(const Client& client, int32_t value) {

@@ -1,4 +1,5 @@
 #include "tools/atctl/bench.h"
+#include "client/at_client.h"
 
 #include <algorithm>
 #include <chrono>
@@ -10,7 +11,6 @@
 
 #include "tools/atctl/asking.h"
 #include "tools/atctl/chart.h"
-#include "tools/atctl/error_words.h"
 #include "tools/shared/table.h"
 #include "tools/shared/text.h"
 
@@ -108,7 +108,7 @@ class Benching {
             << Plain(std::round(static_cast<double>(asked_) / seconds * 10) / 10) << " per second\n";
         Table outcome(2);
         for (const auto& [result, count] : results_)
-            outcome.Row({ResultWords(result), std::to_string(count)});
+            outcome.Row({at_client_result_text(result), std::to_string(count)});
         if (missed_ != 0) outcome.Row({"no answer", std::to_string(missed_)});
         outcome.Print(out, look);
         if (times_.empty()) return;
@@ -134,7 +134,7 @@ class Benching {
         json["ok"] = Good();
         json["other_results"] = Json::object();
         for (const auto& [result, count] : results_)
-            if (result != AT_RESULT_OK) json["other_results"][ResultWords(result)] = count;
+            if (result != AT_RESULT_OK) json["other_results"][at_client_result_text(result)] = count;
         json["no_answer"] = missed_;
         if (times_.empty()) return json;
         constexpr double kMs = 1000;

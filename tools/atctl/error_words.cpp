@@ -106,27 +106,6 @@ constexpr Meaning kCmsErrors[] = {
 
 }  // namespace
 
-const char* ResultWords(uint8_t result) {
-    switch (result) {
-        case AT_RESULT_OK:
-            return "OK";
-        case AT_RESULT_ERROR:
-            return "error";
-        case AT_RESULT_CMS_ERROR:
-            return "message service error (CMS)";
-        case AT_RESULT_CME_ERROR:
-            return "modem error (CME)";
-        case AT_RESULT_TIMEOUT:
-            return "the modem gave no answer in time";
-        case AT_RESULT_BUSY:
-            return "busy";
-        case AT_RESULT_USSD_ERROR:
-            return "USSD error";
-        default:
-            return "unknown result";
-    }
-}
-
 std::string_view ErrorWords(uint8_t result, std::string_view text) {
     std::span<const Meaning> meanings;
     if (result == AT_RESULT_CMS_ERROR) meanings = kCmsErrors;

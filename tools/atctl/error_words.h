@@ -4,9 +4,6 @@
 #include <cstdint>
 #include <string_view>
 
-// A result (AT_RESULT_...) in a word or a few.
-const char* ResultWords(uint8_t result);
-
 // What the number in a modem's error text means, for results 3 (CMS) and 4 and 11 (CME). Empty when the text
 // is no number, or one that has no common meaning.
 std::string_view ErrorWords(uint8_t result, std::string_view text);

@@ -1,4 +1,5 @@
 #include "tools/atctl/print_answer.h"
+#include "client/at_client.h"
 
 #include <charconv>
 #include <nlohmann/json.hpp>
@@ -105,7 +106,7 @@ void PrintAnswer(std::ostream& out, const Look& look, const Row& row, const Deco
     const std::string name = CallName({&row, decoded.type});
     out << look.Bold(name);
     if (*row.title != '\0') out << "  " << row.title;
-    const std::string words = ResultWords(decoded.result);
+    const std::string words = at_client_result_text(decoded.result);
     out << ": " << (good ? look.Good(words) : look.Bad(words)) << '\n';
 
     // That it went well is said already.
@@ -154,7 +155,7 @@ Json AnswerJson(const Row& row, const Decoded& decoded) {
     json["type"] = TypeName(decoded.type);
     json["id"] = row.id;
     json["result"] = decoded.result;
-    json["result_text"] = ResultWords(decoded.result);
+    json["result_text"] = at_client_result_text(decoded.result);
     AddContentJson(json, decoded);
     return json;
 }

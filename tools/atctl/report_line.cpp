@@ -1,4 +1,5 @@
 #include "tools/atctl/report_line.h"
+#include "client/at_client.h"
 
 #include <algorithm>
 #include <cstring>
@@ -102,7 +103,7 @@ std::string ContentText(const Decoded& content) {
 }
 
 std::string AnswerLine(const Row& row, const Decoded& content, const Look& look) {
-    const std::string result = ResultWords(content.result);
+    const std::string result = at_client_result_text(content.result);
     const std::string line = look.Bold(CallName({&row, content.type})) + ": " +
                              (content.result == AT_RESULT_OK ? look.Good(result) : look.Bad(result));
     // That it went well is said already.
@@ -147,7 +148,7 @@ std::string ArrivalLine(const Arrival& arrival, const Look& look) {
     module.resize(std::max(module.size(), sizeof "toolkit" - 1), ' ');
     std::string line = ClockTime(arrival.time) + "  " + module + "  ";
     const Decoded& content = arrival.content;
-    const std::string result = ResultWords(content.result);
+    const std::string result = at_client_result_text(content.result);
     switch (arrival.kind) {
         case Arrival::Kind::report:
             line += look.Bold(arrival.report->title);
@@ -183,7 +184,7 @@ Json ArrivalJson(const Arrival& arrival) {
     json["id"] = arrival.id;
     json["type"] = arrival.content.type;
     json["result"] = arrival.content.result;
-    json["result_text"] = ResultWords(arrival.content.result);
+    json["result_text"] = at_client_result_text(arrival.content.result);
     AddContentJson(json, arrival.content);
     return json;
 }
