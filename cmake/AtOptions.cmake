@@ -12,6 +12,21 @@ target_compile_options(at_options INTERFACE
 target_link_options(at_options INTERFACE -Wl,--gc-sections)
 target_link_libraries(at_options INTERFACE Threads::Threads)
 
+# Programs stand at fixed addresses: what points into a table is known when the program is linked. Else each pointer
+# of a table would need a relocation of its own, and its page, written at start-up, would be no longer shared with the
+# file. The sanitizers bring a layout of their own.
+if(NOT AT_SANITIZE)
+  set(fixed_addresses -fno-pie)
+  if(CMAKE_SYSTEM_PROCESSOR MATCHES "^mips")
+    # Addresses in the instructions and a jump table for the C library, in place of a word in the GOT for every
+    # variable and function.
+    list(APPEND fixed_addresses -mno-shared -mplt)
+  endif()
+  set(pic $<BOOL:$<TARGET_PROPERTY:POSITION_INDEPENDENT_CODE>>)
+  target_compile_options(at_options INTERFACE $<$<NOT:${pic}>:${fixed_addresses}>)
+  target_link_options(at_options INTERFACE $<$<STREQUAL:$<TARGET_PROPERTY:TYPE>,EXECUTABLE>:-no-pie>)
+endif()
+
 if(AT_SANITIZE)
   target_compile_options(at_options INTERFACE
     -fsanitize=${AT_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
@@ -24,7 +39,9 @@ target_compile_definitions(at_version INTERFACE AT_VERSION="${PROJECT_VERSION}")
 
 add_library(at_freestanding INTERFACE)
 target_compile_options(at_freestanding INTERFACE
-  $<$<COMPILE_LANGUAGE:CXX>:-fno-exceptions -fno-rtti -fno-threadsafe-statics>)
+  $<$<COMPILE_LANGUAGE:CXX>:-fno-exceptions -fno-rtti -fno-threadsafe-statics>
+  # Nothing unwinds the stack of a daemon without exceptions; a debugger has its own tables.
+  -fno-asynchronous-unwind-tables -fno-unwind-tables)
 
 # Links a program with the C driver, without the C++ library: the router has none. A macro, since CMake reads the
 # variable in the folder of the program.

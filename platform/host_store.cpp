@@ -28,7 +28,7 @@ constexpr char kLogSource[] = "platform";
 constexpr int kReaders = 4;
 
 // Size of LMDB's reader table on disk: about 500 places of 64 bytes, room for 120 processes.
-constexpr ssize_t kLockBytes = 32'768;
+constexpr off_t kLockBytes = 32'768;
 
 // Smaller files were left by a creation that was cut off: LMDB's data begin with two pages of 4096 bytes or
 // more, and its smallest reader table takes as much.
@@ -169,6 +169,16 @@ void GiveTo(int file, const struct stat& owner) {
     if (fchown(file, owner.st_uid, owner.st_gid) != 0) return;
 }
 
+// Writes `count` zeros, a multiple of 4096, at the beginning of `file`. 0, or the error.
+int WriteZeros(int file, off_t count) {
+    static const char zeros[4096] = {};
+    for (off_t at = 0; at < count; at += static_cast<off_t>(sizeof zeros)) {
+        const ssize_t written = pwrite(file, zeros, sizeof zeros, at);
+        if (written != static_cast<ssize_t>(sizeof zeros)) return written < 0 ? errno : ENOSPC;
+    }
+    return 0;
+}
+
 // Makes sure that LMDB finds both files with their room on the disk. The reader table is written through a
 // memory map, where a full disk would end the process with SIGBUS, so its bytes are really written when they
 // cannot be reserved. What a killed or failed creation left is emptied. 0, or the error with `path` naming
@@ -185,12 +195,8 @@ int PrepareFiles(const char* directory, const struct stat& owner, char* path, si
         error = errno;
     } else if (about.st_size < kEmptyBytes) {
         GiveTo(file, owner);
-        static const char zeros[kLockBytes] = {};
-        ssize_t written = pwrite(file, zeros, sizeof zeros, 0);
-        if (written != kLockBytes) {
-            error = written < 0 ? errno : ENOSPC;
-            if (ftruncate(file, 0) != 0) error = errno;
-        }
+        error = WriteZeros(file, kLockBytes);
+        if (error != 0 && ftruncate(file, 0) != 0) error = errno;
     }
     close(file);
     if (error != 0) return error;
