@@ -1,13 +1,19 @@
 #include "checks/dialogue/usage.h"
 
 #include <dirent.h>
+#include <fcntl.h>
+#include <stdint.h>
+#include <stdio.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -38,6 +44,49 @@ long Kilobytes(const std::string& text, const std::string& name) {
     return std::stol(text.substr(at + name.size() + 1));
 }
 
+// Addresses of a mapping of the process.
+struct Mapping {
+    unsigned long begin = 0;
+    unsigned long end = 0;
+};
+
+Mapping MappingOf(pid_t process, unsigned long address) {
+    std::istringstream lines(Read(process, "maps"));
+    for (std::string line; std::getline(lines, line);) {
+        Mapping mapping;
+        if (sscanf(line.c_str(), "%lx-%lx", &mapping.begin, &mapping.end) == 2 && mapping.begin <= address &&
+            address < mapping.end)
+            return mapping;
+    }
+    throw std::runtime_error("no mapping holds the stack pointer");
+}
+
+// The lowest page of the mapping that is in memory.
+unsigned long LowestPage(pid_t process, const Mapping& mapping) {
+    const std::string path = "/proc/" + std::to_string(process) + "/pagemap";
+    const auto page_size = static_cast<unsigned long>(sysconf(_SC_PAGESIZE));
+    std::vector<uint64_t> entries((mapping.end - mapping.begin) / page_size);
+    const size_t bytes = entries.size() * sizeof entries[0];
+    // The kernel gives whole entries only, so not through a buffer of any size.
+    const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    const auto start = static_cast<off_t>(mapping.begin / page_size * sizeof entries[0]);
+    const ssize_t got = file < 0 ? -1 : pread(file, entries.data(), bytes, start);
+    if (file >= 0) close(file);
+    if (got != static_cast<ssize_t>(bytes)) throw std::runtime_error("cannot read " + path);
+    constexpr uint64_t kPresent = uint64_t{1} << 63;
+    constexpr uint64_t kSwapped = uint64_t{1} << 62;
+    for (size_t i = 0; i < entries.size(); ++i)
+        if ((entries[i] & (kPresent | kSwapped)) != 0) return mapping.begin + i * page_size;
+    throw std::runtime_error("no page of the stack is in memory");
+}
+
+// The stack pointer of a thread that waits in a system call; 0 while it runs.
+unsigned long StackPointer(pid_t process, const std::string& thread) {
+    unsigned long pointer = 0;
+    const std::string text = Read(process, ("task/" + thread + "/syscall").c_str());
+    return sscanf(text.c_str(), "%*d %*x %*x %*x %*x %*x %*x %lx", &pointer) == 1 ? pointer : 0;
+}
+
 double CpuSeconds(pid_t process) {
     const std::string text = Read(process, "stat");
     // The program's name stands in brackets and may hold anything; 11 fields lie between it and the times.
@@ -64,6 +113,23 @@ Usage UsageOf(pid_t process) {
     usage.anonymous_kb = Kilobytes(pages, "Anonymous");
     usage.resident_kb = Kilobytes(pages, "Rss");
     return usage;
+}
+
+size_t StackUsed(pid_t process) {
+    const std::string tasks = "/proc/" + std::to_string(process) + "/task";
+    size_t most = 0;
+    for (const auto& task : std::filesystem::directory_iterator(tasks)) {
+        const std::string thread = task.path().filename();
+        if (thread == std::to_string(process)) continue;
+        unsigned long pointer = 0;
+        for (int tries = 0; tries < 1000 && pointer == 0; ++tries) {
+            pointer = StackPointer(process, thread);
+            if (pointer == 0) usleep(1000);
+        }
+        const Mapping stack = MappingOf(process, pointer);
+        most = std::max(most, static_cast<size_t>(stack.end - LowestPage(process, stack)));
+    }
+    return most;
 }
 
 double BusyShare(pid_t process, double seconds) {

@@ -16,6 +16,11 @@ struct Usage {
 // Throws std::runtime_error when there is no such process.
 Usage UsageOf(pid_t process);
 
+// Bytes of stack that the process's threads, its first one left out, have used at most so far: the largest of
+// them, from the end of the stack down to the lowest page that was ever written, so up to 4095 too many. All
+// threads have to wait in a system call meanwhile, as those of an idle daemon do.
+size_t StackUsed(pid_t process);
+
 // The share of one processor that the process uses while `seconds` pass: near 0 when it sleeps in its rounds,
 // near 1 when it spins.
 double BusyShare(pid_t process, double seconds);
