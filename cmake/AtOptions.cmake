@@ -37,6 +37,11 @@ endif()
 add_library(at_version INTERFACE)
 target_compile_definitions(at_version INTERFACE AT_VERSION="${PROJECT_VERSION}")
 
+if(AT_COVERAGE)
+  target_compile_options(at_options INTERFACE --coverage -fprofile-update=atomic)
+  target_link_options(at_options INTERFACE --coverage)
+endif()
+
 add_library(at_freestanding INTERFACE)
 target_compile_options(at_freestanding INTERFACE
   $<$<COMPILE_LANGUAGE:CXX>:-fno-exceptions -fno-rtti -fno-threadsafe-statics>

@@ -1,9 +1,14 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <stdlib.h>
+#include <sys/ipc.h>
+#include <sys/msg.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <termios.h>
 #include <unistd.h>
 
+#include "checks/dialogue/target.h"
 #include "checks/dialogue/world.h"
 #include "platform/platform.h"
 
@@ -97,6 +102,41 @@ TEST(Startup, WaitsForAModemThatComesLateAndGivesItTime) {
     ASSERT_TRUE(log.WaitFor("AT response thread  is running ...", 10));
     Module module(0x1234);
     EXPECT_EQ(module.Exchange(0x0604, AT_CMD_TYPE_EXEC).I32(0), 20);
+}
+
+TEST(Startup, QueueThatBelongsToOthersEndsTheDaemon) {
+    const int taken = msgget(AT_MODULE_SERVER, IPC_CREAT | IPC_EXCL | 0);
+    ASSERT_GE(taken, 0);
+    if (msgget(AT_MODULE_SERVER, 0600) >= 0) {
+        msgctl(taken, IPC_RMID, nullptr);
+        GTEST_SKIP() << "this user may use every queue";
+    }
+    LogCollector log;
+    Modem modem(PlainAnswer);
+    {
+        Daemon daemon;
+        EXPECT_EQ(daemon.WaitForExit(10), 255);
+    }
+    EXPECT_TRUE(log.WaitFor("[error]:Create At_Serv_MsgID queue faild!error code:42499"));
+    EXPECT_TRUE(log.WaitFor("create message  queue error!"));
+    msgctl(taken, IPC_RMID, nullptr);
+}
+
+TEST(Startup, ThreadThatFindsNoRoomEndsTheDaemon) {
+    // A thread's stack is as large as the limit allows the first one to grow.
+    if (TargetIsEmulated() || getenv("HEAP_COUNTER") == nullptr)
+        GTEST_SKIP() << "sanitizers and emulators have a layout of their own";
+    rlimit usual{};
+    ASSERT_EQ(getrlimit(RLIMIT_STACK, &usual), 0);
+    const rlimit huge{rlim_t{1} << 47, usual.rlim_max};
+    if (setrlimit(RLIMIT_STACK, &huge) != 0) GTEST_SKIP() << "the limit cannot be raised here";
+    LogCollector log;
+    Modem modem(PlainAnswer);
+    Daemon daemon;
+    ASSERT_EQ(setrlimit(RLIMIT_STACK, &usual), 0);
+    EXPECT_EQ(daemon.WaitForExit(10), 255);
+    EXPECT_TRUE(log.WaitFor("[error]:Create resolve_at_response_thread faild!error code:42500"));
+    EXPECT_TRUE(log.WaitFor("create at collect thread error!"));
 }
 
 // A suite of its own, because it takes the 50 seconds that it is about.

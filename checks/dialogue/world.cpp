@@ -347,9 +347,16 @@ void Daemon::Start() {
     for (std::string& word : words)
         argv.push_back(word.data());
     argv.push_back(nullptr);
+    // The library of an orderly end stands beside one that is preloaded already.
+    std::string libraries;
+    for (const char* name : {"ORDERLY_END", "LD_PRELOAD"}) {
+        const char* library = getenv(name);
+        if (library != nullptr) libraries += (libraries.empty() ? "" : ":") + std::string(library);
+    }
     pid_ = fork();
     if (pid_ == 0) {
         setpgid(0, 0);
+        if (!libraries.empty()) setenv("LD_PRELOAD", libraries.c_str(), 1);
         if (chdir("/") == 0) execvp(argv[0], argv.data());
         _exit(127);
     }
@@ -359,6 +366,11 @@ void Daemon::Start() {
 
 void Daemon::Kill() {
     if (!Running()) return;
+    if (getenv("ORDERLY_END") != nullptr) {
+        kill(pid_, SIGTERM);
+        WaitForExit(5);
+        if (!Running()) return;
+    }
     kill(-pid_, SIGKILL);
     WaitForExit(10);
 }
