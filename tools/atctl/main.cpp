@@ -27,6 +27,7 @@ int RunAsking(Action action, const CommandLine& line, const Streams& streams) {
         case Action::watch:
             return Watch(line.watch, {queue, STDOUT_FILENO}, streams);
         case Action::bench:
+            queue.at_once = true;
             return Bench(line.bench, {queue, IsTerminal(STDERR_FILENO)}, streams);
         default:
             return Monitor(line.monitor, {StopRequested, STDOUT_FILENO}, streams);

@@ -44,7 +44,7 @@ QueueClient::Status QueueClient::Open(std::optional<uint16_t> module) {
     at_client_options options = {};
     options.module = module.value_or(static_cast<uint16_t>(AT_CLIENT_ANY_MODULE));
     options.queue = AT_CLIENT_QUEUE_NEW;
-    options.flags = AT_CLIENT_NEED_SERVER;
+    options.flags = AT_CLIENT_NEED_SERVER | (setup_.at_once ? unsigned{AT_CLIENT_THREAD} : 0U);
     options.server_key = setup_.server_key;
     at_client* client = nullptr;
     const Status status = Told(at_client_open(&options, &client));

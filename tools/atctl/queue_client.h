@@ -36,6 +36,8 @@ class QueueClient {
     struct Setup {
         key_t server_key = AT_MODULE_SERVER;
         bool (*stop)() = nullptr;  // asked while waiting, every 20 ms
+        // A thread waits in the kernel, so that an answer is there when it comes and not up to 10 ms later.
+        bool at_once = false;
     };
 
     QueueClient() = default;
