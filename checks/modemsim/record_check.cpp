@@ -4,6 +4,7 @@
 #include <sys/resource.h>
 #include <termios.h>
 
+#include <algorithm>
 #include <functional>
 #include <optional>
 
@@ -141,6 +142,35 @@ TEST_F(Recorded, PiecesStayApart) {
     EXPECT_EQ(End(), 0);
     const std::string story = Story(file_);
     EXPECT_NE(story.find("<- \\r\\nO;<- K\\r\\n;"), std::string::npos) << story;
+}
+
+TEST_F(Recorded, WhatTheDaemonWritesBeforeItClosesIsToldBeforeThat) {
+    StartRecorder();
+    const auto kinds = [&] {
+        std::vector<Entry::Kind> all;
+        for (const Entry& entry : LoadRecording(file_).recording.entries)
+            if (entry.kind != Entry::Kind::Header && entry.kind != Entry::Kind::FromModem)
+                all.push_back(entry.kind);
+        return all;
+    };
+    std::vector<Entry::Kind> expected;
+    for (int i = 0; i < 20; ++i) {
+        Host(link_).Send("ATX\r");
+        expected.insert(expected.end(), {Entry::Kind::Open, Entry::Kind::ToModem, Entry::Kind::Close});
+        ASSERT_TRUE(Eventually([&] { return kinds().size() >= expected.size(); }));
+        ASSERT_EQ(kinds(), expected);
+    }
+    EXPECT_EQ(End(), 0);
+}
+
+TEST_F(Recorded, WhatTheModemSaysToAClosedPortIsWrittenButNotHeard) {
+    modem_.reset();
+    StartModem("on AT\n    | OK\nreport at 100ms\n    | EARLY\n");
+    StartRecorder();
+    ASSERT_TRUE(Says("EARLY"));
+    EXPECT_EQ(Host(link_).Ask("AT\r", "OK\r\n"), "\r\nOK\r\n");
+    EXPECT_EQ(End(), 0);
+    EXPECT_TRUE(Story(file_).starts_with("<- \\r\\nEARLY\\r\\n;-- open;")) << Story(file_);
 }
 
 TEST_F(Recorded, KilledRecorderHasWrittenWhatPassed) {
@@ -296,6 +326,22 @@ TEST_F(Recorded, NothingPrivateReachesTheFileWhenItIsToBeRedacted) {
     EXPECT_EQ(from.find("001010123456789"), std::string::npos);
     EXPECT_EQ(from.find("447700900123"), std::string::npos);
     EXPECT_NE(from.find("\r\n+CLIP: \"+"), std::string::npos);
+}
+
+TEST_F(Recorded, UnfinishedLineIsRedactedWhenItEnds) {
+    modem_.reset();
+    const std::string log = directory_.File("log");
+    modem_.emplace(std::vector<std::string>{"silent", "--link", device_, "--log", log});
+    ASSERT_EQ(modem_->OutLine(), "ready " + device_ + "\n");
+    StartRecorder({"--redact"});
+    const Host host(link_);
+    host.Send("AT+CLIP=1\r");
+    ASSERT_TRUE(Says("AT+CLIP=1"));
+    host.Send("AT+CPIN=\"12345678");
+    ASSERT_TRUE(Eventually([&] { return Content(log).find("12345678") != std::string::npos; }));
+    EXPECT_EQ(End(), 0);
+    EXPECT_EQ(Content(file_).find("12345678"), std::string::npos);
+    EXPECT_EQ(LoadRecording(file_).recording.entries.back().kind, Entry::Kind::End);
 }
 
 TEST(Redact, WritesARecordingWithoutPrivateData) {

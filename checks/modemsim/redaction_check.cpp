@@ -224,6 +224,8 @@ TEST(Redaction, KnowsTheTextOfAMessageByWhatStandsBeforeIt) {
     // One that comes by itself ends with its digits, so that the next report is known.
     const std::string pdu = "079144770009000006110C91447700091032621102800351006211028003550000";
     EXPECT_TRUE(from("\r\n+CDS: 24\r\n" + pdu + "\r\n\r\nHANGUP: 16\r\n").ends_with("\r\nHANGUP: 16\r\n"));
+    EXPECT_TRUE(
+        from("\r\n+CDS: 24\r\n" + pdu + "\r\nready to start\r\n").ends_with("\r\nready to start\r\n"));
     EXPECT_EQ(from("\r\n+CMT: \"+447700900123\",,\"26/11/21,16:40:02+04\"\r\nCall me\r\n").find("Call"),
               std::string::npos);
 }
@@ -440,6 +442,21 @@ TEST(StandIn, DifferentShortNumbersStayDifferent) {
         crowded.Number(std::to_string(10'000 + number).substr(1));
 }
 
+// The septets of a text that begins at a bit of a message in hexadecimal digits.
+std::string Septets(const std::string& message, std::size_t bit, std::size_t count) {
+    std::string text;
+    for (std::size_t i = 0; i < count; ++i) {
+        unsigned septet = 0;
+        for (std::size_t n = 0; n < 7; ++n) {
+            const std::size_t at = bit + 7 * i + n;
+            const unsigned long octet = std::stoul(message.substr(at / 8 * 2, 2), nullptr, 16);
+            septet |= static_cast<unsigned>((octet >> (at % 8)) & 1U) << n;
+        }
+        text += static_cast<char>(septet);
+    }
+    return text;
+}
+
 TEST(StandIn, OfAMessageHasItsNumbersAndTextReplacedOnly) {
     StandIns stand_ins(kKey);
     const std::string received =
@@ -458,6 +475,8 @@ TEST(StandIn, OfAMessageHasItsNumbersAndTextReplacedOnly) {
                   received.substr(static_cast<std::size_t>(at), static_cast<std::size_t>(length)))
             << at;
     EXPECT_EQ(RedactMessage(received, stand_ins), out);
+    EXPECT_EQ(Septets(received, 27 * 8, 35), "Good morning! Train leaves at 9:05.");
+    EXPECT_EQ(Classes(Septets(out, 27 * 8, 35)), Classes(Septets(received, 27 * 8, 35)));
 }
 
 TEST(StandIn, OfA16BitTextStaysInItsScript) {
@@ -491,6 +510,10 @@ TEST(StandIn, OfAHeaderOfALongTextStays) {
     EXPECT_EQ(out.substr(22, 18), message.substr(22, 18));
     EXPECT_NE(out.substr(40), message.substr(40));
     EXPECT_EQ(out.size(), message.size());
+    // The text begins behind seven septets, which hold the header and a bit that fills them up.
+    const std::size_t begin = 14 * 8 + 7 * 7;
+    EXPECT_EQ(Classes(Septets(out, begin, 6)), Classes(Septets(message, begin, 6)));
+    EXPECT_NE(Septets(out, begin, 6), Septets(message, begin, 6));
 }
 
 TEST(StandIn, OfWhatIsNoMessageIsHexadecimalToo) {
