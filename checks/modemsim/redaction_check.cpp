@@ -504,7 +504,7 @@ TEST(StandIn, OfAHeaderOfALongTextStays) {
     const std::string message =
         "0041000C914477000910320000"
         "0D"
-        "0500032A0201"
+        "0500032AFFC4"
         "D2E2B03D0E97";
     const std::string out = RedactMessage(message, stand_ins);
     EXPECT_EQ(out.substr(22, 18), message.substr(22, 18));
