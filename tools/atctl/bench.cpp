@@ -1,5 +1,4 @@
 #include "tools/atctl/bench.h"
-#include "client/at_client.h"
 
 #include <algorithm>
 #include <chrono>
@@ -9,6 +8,7 @@
 #include <optional>
 #include <vector>
 
+#include "client/at_client.h"
 #include "tools/atctl/asking.h"
 #include "tools/atctl/chart.h"
 #include "tools/shared/table.h"

@@ -1,10 +1,10 @@
 #include "tools/atctl/print_answer.h"
-#include "client/at_client.h"
 
 #include <charconv>
 #include <nlohmann/json.hpp>
 #include <string_view>
 
+#include "client/at_client.h"
 #include "tools/atctl/error_words.h"
 #include "tools/atctl/find_command.h"
 #include "tools/atctl/meaning.h"

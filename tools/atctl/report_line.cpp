@@ -1,10 +1,10 @@
 #include "tools/atctl/report_line.h"
-#include "client/at_client.h"
 
 #include <algorithm>
 #include <cstring>
 #include <nlohmann/json.hpp>
 
+#include "client/at_client.h"
 #include "records/message.h"
 #include "records/report.h"
 #include "tools/atctl/error_words.h"
