@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
 #include <set>
 
 #include "checks/modemsim/test_modem.h"
@@ -45,6 +46,53 @@ TEST(Model, ErrorsAreToldAsAskedFor) {
     EXPECT_EQ(modem.Answer("AT+CMEE=0"), "OK");
     EXPECT_EQ(modem.Answer("AT+CPBR=300"), "ERROR");
     EXPECT_EQ(modem.Answer("AT+CMEE=3"), "ERROR");
+}
+
+// Whatever the host writes: an answer comes, and it has an end.
+TEST(Model, EveryLineGetsAnAnswer) {
+    const std::vector<std::string> names = {
+        "",       "E",      "Z",       "&F",     "I",      "A",       "H",        "D",        "+CGMI",
+        "+CMEE",  "+CSCS",  "+CPIN",   "+CPWD",  "+CLCK",  "+CRSM",   "+CPINC",   "^CPIN",    "%PINNUM",
+        "+CIMI",  "+CREG",  "+CFUN",   "+COPS",  "+CSQ",   "+ZRSSI",  "+CIND",    "^SYSINFO", "+CGDCONT",
+        "+CGATT", "+CGACT", "+ZGACT",  "+CPMS",  "+CMGL",  "+CMGR",   "+CMGD",    "+CMGS",    "+CMGW",
+        "+CNMI",  "+CMGF",  "+CSCA",   "+CPBS",  "+CPBR",  "+CPBW",   "+ZCPBR",   "+ZCPBW",   "+CHUP",
+        "+CLCC",  "+CHLD",  "+VTS",    "+CLVL",  "+CLIP",  "+CCFC",   "+CCWA",    "+CUSD",    "+ZSTM",
+        "+ZSELM", "+ZSELI", "+ZBK",    "+ZINPR", "+ZINKR", "+ZDISTR", "+CGPADDR", "$QCPDPP",  "+ZPINPUK",
+        "+CNUM",  "+CLIR",  "+NOSUCH", "!"};
+    const std::vector<std::string> forms = {"", "?", "=?", "=", "=", "=", "="};
+    const std::vector<std::string> values = {
+        "",        "0",  "1",     "2",           "3",    "19",          "99",
+        "255",     "-1", "x",     "\"SC\"",      "\"\"", "\"IP\"",      "\"1234\"",
+        "\"a,b\"", "\"", "*101#", "99999999999", "\xFF", "07700900123", ";"};
+    const std::vector<std::string> orders = {
+        "ring 121",     "hangup",          "sim pull",     "sim insert",    "sim lock",
+        "network lose", "network restore", "network roam", "message 121 x", "data drop",
+        "unplug",       "replug",          "answer",       "busy"};
+    std::mt19937 random(3);
+    int good = 0;
+    const auto one = [&](const std::vector<std::string>& of) { return of[random() % of.size()]; };
+    TestModem modem;
+    for (int i = 0; i < 5000; ++i) {
+        if (random() % 16 == 0) modem.Order(one(orders));
+        if (!modem.Core().PluggedIn()) modem.Order("replug");
+        const std::string form = one(forms);
+        std::string line = "AT" + one(names) + form;
+        for (std::size_t n = form == "=" ? random() % 6 : 0; n > 0; --n)
+            line += one(values) + (n > 1 ? "," : "");
+        std::string answer = modem.Ask(line + "\r", 10'000);
+        if (answer.find("\r\n> ") != std::string::npos) {
+            modem.Core().Receive(std::string(random() % 60, "0123456789ABCDEF"[random() % 16]) + "\x1A",
+                                 modem.Now());
+            answer = modem.Ask("", 5000);
+        }
+        const bool ends =
+            answer.find("OK") != std::string::npos || answer.find("ERROR") != std::string::npos ||
+            answer.find("NO CARRIER") != std::string::npos || answer.find("CONNECT") != std::string::npos;
+        ASSERT_TRUE(ends) << line << " gave " << answer;
+        if (answer.find("OK") != std::string::npos) ++good;
+    }
+    // Most lines are wrong, but not all.
+    EXPECT_GT(good, 1000);
 }
 
 // ---- the card
