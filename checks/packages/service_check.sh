@@ -23,8 +23,9 @@ END
     "$bin/atctl" send +CREG? >&2
     "$bin/atctl" send +CMGL= 4 >&2
     "$bin/atctl" send +CUSD= 1 '*100#' 15 >&2
-    wait_for grep -qr 'read(.*ZCONSTAT' /tmp
-    wait_for grep -qr 'openat(.*/etc/cusd' /tmp
+    traced() { cat /tmp/trace.* | grep -q "$1"; }
+    wait_for traced 'read(.*ZCONSTAT'
+    wait_for traced 'openat(.*/etc/cusd'
     # What the watchdog runs after four silent minutes.
     strace -ff -qq -o /tmp/trace.touch sh -c 'touch /etc_rw/config/WatchDog/at_abnormal0.xml'
     kill "$(pidof at-server)"
