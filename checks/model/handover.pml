@@ -5,19 +5,32 @@
  *   NORMAL    its line is written and the modem answers or keeps silent;
  *   DIAL      not waited for: put into the record already idle; the modem may answer OK;
  *   NO_LINE   no line could be generated: it goes in flight without a line and without a ticket;
- *   NO_PORT   the write fails: it stays in flight, but the loop is let go.
+ *   NO_PORT   the write fails: it stays in flight, but the loop is let go;
+ *   REFUSED   a receive that fails, or a message with a bad guard word: not handed over, not answered, the loop goes on.
  *
- * What must hold for every request: it is answered (by the modem's answer or by its time-out) exactly once, with the
- * answer of its own line, and the loop never gets stuck. Exceptions, each stated behaviour, by name:
+ * What must hold:
+ *   once      every request is answered (by the modem's answer or by its time-out) exactly once;
+ *   own       what answers it was sent for its own line;
+ *   the end   every run ends: the loop is never stuck. A run serves finitely many requests, so one that goes on for
+ *             ever can only be a thread that waits, or turns in vain, for something that no longer comes. Assertions do
+ *             not see that, because the response thread can always turn once more: it takes the second search of
+ *             scripts/check-model, for cycles. No step is labelled as progress, so each fair cycle is an error.
+ *
+ * Exceptions, each stated behaviour, by name:
  *   overwritten   a NO_LINE or NO_PORT request is not waited for, so the next request may overwrite it unanswered;
- *   cleared       a call event ends the request in flight without an answer; what the modem still answers to it then
- *                 meets the next request, like any late answer (only with -DCALL_EVENTS);
- *   late dial OK  the OK of a dial that is read after the next request was handed over answers that request: without
- *                 identity on the wire nobody can tell them apart. The model's modem therefore answers a dial before the
- *                 next request is handed over, or never, unless -DLATE_DIAL_OK lets it cross.
+ *   cleared       a call event ends the request in flight without an answer (only with -DCALL_EVENTS);
+ *   crossed       without identity on the wire nobody can tell whose answer is read: one that comes after the end of
+ *                 its request answers the next request in flight, or nobody. It takes one of
+ *                   -DCALL_EVENTS   the modem still answers a request that a call event has cleared;
+ *                   -DLATE_DIAL_OK  the OK of a dial is read after the next request was handed over;
+ *                   -DLATE_ANSWER   the answer of a request is read after its time-out;
+ *                 Without them the modem answers in time or never, and "own" holds. With any of them "own" fails, and
+ *                 -DCROSSED leaves it out. Everything else must hold all the same.
  *
- * With -DPLAIN the model is the obvious protocol instead: the loop receives straight into the shared record, a flag of 0
- * and 1, "answer, then clear" and "store 0". The search finds requests lost and crossed; the check expects that.
+ * Two variants are wrong on purpose, to show that the searches find it:
+ *   -DPLAIN         the obvious protocol: the loop receives straight into the shared record, a flag of 0 and 1,
+ *                   "answer, then clear" and "store 0". Requests are lost and crossed;
+ *   -DKEEP_TICKET   the end of a request does not give its ticket back. The loop waits for ever.
  */
 
 #ifndef REQUESTS
@@ -28,6 +41,7 @@
 #define DIAL 1
 #define NO_LINE 2
 #define NO_PORT 3
+#define REFUSED 4
 
 byte kind[REQUESTS + 1];       /* of request 1.. */
 byte answers[REQUESTS + 1];    /* answers and time-outs that reached its requester */
@@ -53,6 +67,21 @@ byte got;                      /* the answer that the response thread has read a
 bool loop_done;
 byte at_rest;                  /* processes that have ended */
 
+inline choose(n) {
+    if
+    :: kind[n] = NORMAL
+    :: kind[n] = DIAL
+    :: kind[n] = NO_LINE
+    :: kind[n] = NO_PORT
+#ifndef PLAIN
+    :: kind[n] = REFUSED
+#endif
+    fi
+}
+
+/* What nothing but its time-out can end. */
+#define UNANSWERABLE(r) (silent[r] || kind[r] == NO_LINE || kind[r] == NO_PORT)
+
 /* The record goes to another request: the one before must be over, unless that is stated. */
 inline replace(r, idle) {
     if
@@ -70,12 +99,18 @@ inline answer_with(t) {
     if
     :: record == 0 -> skip             /* nobody's: routed as a report */
     :: record != 0 ->
-#if !defined(LATE_DIAL_OK) && !defined(CALL_EVENTS)
+#ifndef CROSSED
         assert(record == t);
 #endif
         answers[record]++;
         assert(answers[record] <= 1)
     fi
+}
+
+inline time_out() {
+    answers[record]++;
+    assert(answers[record] <= 1);
+    record = 0; outstanding = false
 }
 
 active proctype Modem() {
@@ -98,6 +133,15 @@ inline take() {
     fi
 }
 
+/* Lets the loop go on: compare-and-exchange with the ticket that was loaded. */
+inline give_back() {
+#ifdef KEEP_TICKET
+    skip
+#else
+    atomic { if :: loaded != 0 && ticket == loaded -> ticket = 0 :: else fi }
+#endif
+}
+
 active proctype Response() {
     byte loaded;
     do
@@ -107,7 +151,7 @@ active proctype Response() {
             take();                             /* again after a read that returned data */
             answer_with(got);
             record = 0; outstanding = false; got = 0
-        :: skip                                 /* nothing to read yet */
+        :: text == 0 -> skip                    /* nothing to read yet */
         fi;
 #ifdef CALL_EVENTS
         if
@@ -118,15 +162,12 @@ active proctype Response() {
         loaded = ticket;                        /* before slot and record are looked at */
         take();
         if
-        :: !outstanding ->
-            atomic { if :: loaded != 0 && ticket == loaded -> ticket = 0 :: else fi }
-        :: outstanding && (silent[record] || kind[record] == NO_LINE || kind[record] == NO_PORT) ->
-            /* its time-out; a modem that is going to answer does so in time */
-            answers[record]++;
-            assert(answers[record] <= 1);
-            record = 0; outstanding = false;
-            atomic { if :: loaded != 0 && ticket == loaded -> ticket = 0 :: else fi }
-        :: else -> skip                           /* one more round */
+        :: !outstanding -> give_back()
+        :: outstanding && UNANSWERABLE(record) -> time_out(); give_back()
+#ifdef LATE_ANSWER
+        :: outstanding && !UNANSWERABLE(record) -> time_out(); give_back()  /* before the modem has answered */
+#endif
+        :: outstanding && !UNANSWERABLE(record) -> skip                     /* one more round */
         fi;
         loaded = 0;
         if
@@ -143,25 +184,29 @@ active proctype Loop() {
     :: n > REQUESTS -> break
     :: else ->
         ticket == 0;                            /* waits for the transaction before */
-        if :: kind[n] = NORMAL :: kind[n] = DIAL :: kind[n] = NO_LINE :: kind[n] = NO_PORT fi;
-        !slot_full;                             /* the slot must be empty */
-        slot_request = n; slot_idle = (kind[n] == DIAL);
-        slot_full = true;
+        choose(n);
         if
-        :: kind[n] == NORMAL || kind[n] == NO_PORT -> ticket = n
-        :: else
-        fi;
-        if
-        :: kind[n] == NORMAL || kind[n] == DIAL ->
-            line = n
-#ifndef LATE_DIAL_OK
+        :: kind[n] == REFUSED -> skip           /* nothing of it reaches the other thread */
+        :: else ->
+            !slot_full;                         /* the slot must be empty */
+            slot_request = n; slot_idle = (kind[n] == DIAL);
+            slot_full = true;
             if
-            :: kind[n] == DIAL -> (line == 0 && text == 0 && got == 0)  /* its OK, if any, is handled before */
+            :: kind[n] == NORMAL || kind[n] == NO_PORT -> ticket = n
             :: else
-            fi
+            fi;
+            if
+            :: kind[n] == NORMAL || kind[n] == DIAL ->
+                line = n
+#ifndef LATE_DIAL_OK
+                if
+                :: kind[n] == DIAL -> (line == 0 && text == 0 && got == 0)  /* its OK, if any, is handled before */
+                :: else
+                fi
 #endif
-        :: kind[n] == NO_PORT -> ticket = 0     /* the write failed */
-        :: else
+            :: kind[n] == NO_PORT -> ticket = 0     /* the write failed */
+            :: else
+            fi;
         fi;
         n++
     od;
@@ -178,14 +223,11 @@ active proctype Response() {
             answer_with(got);                   /* answer, */
             record = 0; outstanding = false;    /* then clear: what the loop put there in between is gone */
             got = 0
-        :: skip
+        :: text == 0 -> skip
         fi;
         if
         :: !outstanding -> ticket = 0           /* store 0: also the flag that the loop has just set */
-        :: outstanding && (silent[record] || kind[record] == NO_LINE || kind[record] == NO_PORT) ->
-            answers[record]++;
-            assert(answers[record] <= 1);
-            record = 0; outstanding = false;
+        :: outstanding && UNANSWERABLE(record) -> time_out();
             ticket = 0
         :: else -> skip
         fi;
@@ -203,7 +245,7 @@ active proctype Loop() {
     :: n > REQUESTS -> break
     :: else ->
         ticket == 0;
-        if :: kind[n] = NORMAL :: kind[n] = DIAL :: kind[n] = NO_LINE :: kind[n] = NO_PORT fi;
+        choose(n);
         atomic { replace(n, false) };           /* received straight into the record */
         ticket = n;
         if
@@ -222,7 +264,8 @@ active proctype Loop() {
 
 #endif
 
-/* When everything has come to rest. A dial is over when it was put aside; everybody else has one answer. */
+/* When everything has come to rest. A dial is over when it was put aside, a refused message has no answer, and every
+ * other request has one. */
 active proctype Judge() {
     byte n = 1;
     at_rest == 3;
@@ -231,6 +274,7 @@ active proctype Judge() {
     :: else ->
         if
         :: kind[n] == DIAL -> assert(answers[n] <= 1)
+        :: kind[n] == REFUSED -> assert(answers[n] == 0)
         :: kind[n] != DIAL && (overwritten[n] || cleared[n]) -> assert(answers[n] == 0)
         :: else -> assert(answers[n] == 1)
         fi;
