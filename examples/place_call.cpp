@@ -73,14 +73,27 @@ bool Command(at_client* client, uint16_t cmd_id, const char* text, const char* w
     return false;
 }
 
+// All that stands in a number to dial.
+bool IsNumber(const char* text) {
+    return *text != '\0' && text[std::strspn(text, "+*#0123456789")] == '\0';
+}
+
+// Whole seconds, at most four digits; -1 for anything else.
+int Seconds(const char* text) {
+    const size_t digits = std::strspn(text, "0123456789");
+    return digits >= 1 && digits <= 4 && text[digits] == '\0' ? std::atoi(text) : -1;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
-    if (argc < 2) {
-        std::fputs("usage: place_call NUMBER [SECONDS]\n", stderr);
-        return 2;
+    const bool help = argc == 2 && std::strcmp(argv[1], "--help") == 0;
+    const std::chrono::seconds talk(argc == 3 ? Seconds(argv[2]) : 5);
+    if (help || argc < 2 || argc > 3 || !IsNumber(argv[1]) || talk.count() < 0) {
+        std::fputs("usage: place_call NUMBER [SECONDS]    (digits, + * #; 0 to 9999 seconds)\n",
+                   help ? stdout : stderr);
+        return help ? 0 : 2;
     }
-    const std::chrono::seconds talk(argc > 2 ? std::atoi(argv[2]) : 5);
     std::setvbuf(stdout, nullptr, _IOLBF, 0);
     std::signal(SIGINT, [](int) { g_stop = true; });
     std::signal(SIGTERM, [](int) { g_stop = true; });

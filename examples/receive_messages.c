@@ -52,7 +52,13 @@ static at_client_error TakeReports(void) {
     return error;
 }
 
-int main(void) {
+int main(int argc, char** argv) {
+    if (argc > 1) {
+        const int help = argc == 2 && strcmp(argv[1], "--help") == 0;
+        fputs("usage: receive_messages    (\"list\" on standard input reads messages 1 to 3)\n",
+              help ? stdout : stderr);
+        return help ? 0 : 2;
+    }
     setvbuf(stdout, NULL, _IOLBF, 0);
     const at_client_options options = {.module = AT_MODULE_SMS, .flags = AT_CLIENT_THREAD};
     at_client_error error = at_client_open(&options, &g_client);

@@ -34,8 +34,20 @@ static void Show(const AT_CSQ_EXEC_RES_PARA_T* quality) {
         printf("%d dBm\n", -113 + 2 * (int)quality->rssi);
 }
 
+/* A count from 1 to 9999; 0 for anything else. */
+static int Count(const char* text) {
+    const size_t digits = strspn(text, "0123456789");
+    return digits >= 1 && digits <= 4 && text[digits] == '\0' ? atoi(text) : 0;
+}
+
 int main(int argc, char** argv) {
-    const long readings = argc > 1 ? strtol(argv[1], NULL, 10) : 0;
+    const int help = argc == 2 && strcmp(argv[1], "--help") == 0;
+    const int readings = argc == 2 ? Count(argv[1]) : 0;
+    if (help || argc > 2 || (argc == 2 && readings == 0)) {
+        fputs("usage: signal_meter [READINGS]    (1 to 9999; without: until Ctrl-C)\n",
+              help ? stdout : stderr);
+        return help ? 0 : 2;
+    }
     setvbuf(stdout, NULL, _IOLBF, 0);
 
     /* Any free module id will do: nobody reports to us. */
@@ -47,7 +59,7 @@ int main(int argc, char** argv) {
     }
     CatchSignals();
 
-    for (long done = 0; readings == 0 || done < readings; ++done) {
+    for (int done = 0; readings == 0 || done < readings; ++done) {
         AT_CSQ_EXEC_RES_PARA_T quality;
         error = at_client_fetch(g_client, kSignalQuality, AT_CMD_TYPE_EXEC, NULL, 0, AT_CLIENT_PATIENT,
                                 &quality, sizeof quality);
