@@ -120,6 +120,12 @@ const char* Advice(int error) {
         case EACCES:
         case EPERM:
             return "run as the user that owns it, or in scripts/sandbox";
+        case ELOOP:
+        case EMLINK:
+        case ENOTDIR:
+        case EOPNOTSUPP:
+            return "delete what stands in its place: the store is a directory with two plain files, none of "
+                   "them a link";
         case EROFS:
             return "mount it for writing, or run in scripts/sandbox";
         case ENOSPC:
@@ -179,21 +185,36 @@ int WriteZeros(int file, off_t count) {
     return 0;
 }
 
+// Opens file `name` of the store, made where it is missing. Root must not be led out of the directory of
+// another user, nor give away what that user gave a second name there: a link of either kind is refused. -1
+// with errno.
+int OpenFile(int directory, const char* name, struct stat* about) {
+    const int file = openat(directory, name, O_RDWR | O_CREAT | O_NOFOLLOW | O_NOCTTY | O_CLOEXEC, 0644);
+    if (file < 0) return -1;
+    int error = 0;
+    if (fstat(file, about) != 0)
+        error = errno;
+    else if (!S_ISREG(about->st_mode))
+        error = EOPNOTSUPP;
+    else if (about->st_nlink > 1)
+        error = EMLINK;
+    if (error == 0) return file;
+    close(file);
+    errno = error;
+    return -1;
+}
+
 // Makes sure that LMDB finds both files with their room on the disk. The reader table is written through a
 // memory map, where a full disk would end the process with SIGBUS, so its bytes are really written when they
-// cannot be reserved. What a killed or failed creation left is emptied. 0, or the error with `path` naming
-// the culprit.
-int PrepareFiles(const char* directory, const struct stat& owner, char* path, size_t room) {
-    snprintf(path, room, "%s/lock.mdb", directory);
-    // No link: root must not be led out of the directory of another user.
-    constexpr int kFlags = O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC;
-    int file = open(path, kFlags, 0644);
-    if (file < 0) return errno;
+// cannot be reserved. What a killed or failed creation left is emptied. 0, or the error with *culprit naming
+// the file.
+int PrepareFiles(int directory, const struct stat& owner, const char** culprit) {
+    *culprit = "/lock.mdb";
     struct stat about;
+    int file = OpenFile(directory, "lock.mdb", &about);
+    if (file < 0) return errno;
     int error = 0;
-    if (fstat(file, &about) != 0) {
-        error = errno;
-    } else if (about.st_size < kEmptyBytes) {
+    if (about.st_size < kEmptyBytes) {
         GiveTo(file, owner);
         error = WriteZeros(file, kLockBytes);
         if (error != 0 && ftruncate(file, 0) != 0) error = errno;
@@ -201,12 +222,10 @@ int PrepareFiles(const char* directory, const struct stat& owner, char* path, si
     close(file);
     if (error != 0) return error;
 
-    snprintf(path, room, "%s/data.mdb", directory);
-    file = open(path, kFlags, 0644);
+    *culprit = "/data.mdb";
+    file = OpenFile(directory, "data.mdb", &about);
     if (file < 0) return errno;
-    if (fstat(file, &about) != 0) {
-        error = errno;
-    } else if (about.st_size < kEmptyBytes) {
+    if (about.st_size < kEmptyBytes) {
         GiveTo(file, owner);
         if (about.st_size != 0 && ftruncate(file, 0) != 0) error = errno;
         if (error == 0) error = Reserve(file);
@@ -216,14 +235,11 @@ int PrepareFiles(const char* directory, const struct stat& owner, char* path, si
 }
 
 // Takes away a store that never came into being.
-void RemoveUnborn(const char* directory, bool made) {
-    char path[sizeof g_directory + 16];
+void RemoveUnborn(int files, const char* directory, bool made) {
     struct stat about;
-    snprintf(path, sizeof path, "%s/data.mdb", directory);
-    if (stat(path, &about) == 0 && about.st_size >= kEmptyBytes) return;
-    unlink(path);
-    snprintf(path, sizeof path, "%s/lock.mdb", directory);
-    unlink(path);
+    if (fstatat(files, "data.mdb", &about, AT_SYMLINK_NOFOLLOW) == 0 && about.st_size >= kEmptyBytes) return;
+    unlinkat(files, "data.mdb", 0);
+    unlinkat(files, "lock.mdb", 0);
     if (made) rmdir(directory);
 }
 
@@ -300,23 +316,27 @@ StoreResult OpenLocked(const char* directory) {
     bool made = mkdir(directory, 0755) == 0;
     if (!made && errno != EEXIST) return CannotOpen(directory, errno);
     // One process at a time makes the store; the lock goes with its holder. LMDB's own locks come later.
-    int lock = open(directory, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    int lock = open(directory, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
     if (lock < 0) return CannotOpen(directory, errno);
     while (flock(lock, LOCK_EX) != 0 && errno == EINTR) {
     }
-    char path[sizeof g_directory + 16];
-    snprintf(path, sizeof path, "%s", directory);
+    const char* culprit = "";
     struct stat owner;
     if (made && fstatat(lock, "..", &owner, 0) == 0) GiveTo(lock, owner);
-    int error = fstat(lock, &owner) == 0 ? PrepareFiles(directory, owner, path, sizeof path) : errno;
+    int error = fstat(lock, &owner) == 0 ? PrepareFiles(lock, owner, &culprit) : errno;
     if (error == 0) {
         error = OpenEnvironment(directory);
         if (error != 0) CloseEnvironment();
-        snprintf(path, sizeof path, "%s", directory);
+        culprit = "";
     }
-    if (error != 0) RemoveUnborn(directory, made);
+    // Somebody's link or device is told and left alone.
+    const bool foreign = error == ELOOP || error == EMLINK || error == EOPNOTSUPP;
+    if (error != 0 && !foreign) RemoveUnborn(lock, directory, made);
     close(lock);
-    return error == 0 ? StoreResult::kOk : CannotOpen(path, error);
+    if (error == 0) return StoreResult::kOk;
+    char path[sizeof g_directory + 16];
+    snprintf(path, sizeof path, "%s%s", directory, culprit);
+    return CannotOpen(path, error);
 }
 
 // True when the store is open. A store that could not be opened is not tried again: the reader that asks 100

@@ -459,13 +459,44 @@ TEST_F(Store, WhatRootMakesBelongsToTheOwnerOfTheDirectoryAbove) {
 TEST_F(Store, ALinkInThePlaceOfAFileIsNotFollowed) {
     const fs::path elsewhere = parent_ / "elsewhere";
     for (const char* file : {"data.mdb", "lock.mdb"}) {
-        fs::create_directory(directory_);
-        std::ofstream(elsewhere) << "text";
-        fs::create_symlink(elsewhere, directory_ / file);
-        EXPECT_EQ(Open(), StoreResult::kUnreachable) << file;
-        EXPECT_EQ(fs::file_size(elsewhere), 4U) << file;
-        fs::remove_all(directory_);
+        for (const bool symbolic : {true, false}) {
+            fs::create_directory(directory_);
+            // For root alone: it would give the file to this user.
+            EXPECT_EQ(chown(directory_.c_str(), geteuid() == 0 ? 12'345 : geteuid(), getegid()), 0);
+            std::ofstream(elsewhere) << "text";
+            if (symbolic)
+                fs::create_symlink(elsewhere, directory_ / file);
+            else
+                fs::create_hard_link(elsewhere, directory_ / file);
+            EXPECT_EQ(Open(), StoreResult::kUnreachable) << file << symbolic;
+            EXPECT_NE(strstr(StoreComplaint(), "; delete what stands"), nullptr) << StoreComplaint();
+            EXPECT_TRUE(fs::exists(directory_ / file)) << file << symbolic;
+            struct stat about;
+            ASSERT_EQ(stat(elsewhere.c_str(), &about), 0);
+            EXPECT_EQ(about.st_size, 4) << file << symbolic;
+            EXPECT_EQ(about.st_uid, geteuid()) << file << symbolic;
+            fs::remove_all(directory_);
+        }
     }
+}
+
+TEST_F(Store, ALinkInThePlaceOfTheDirectoryIsNotFollowed) {
+    const fs::path elsewhere = parent_ / "elsewhere";
+    fs::create_directory(elsewhere);
+    fs::create_directory_symlink(elsewhere, directory_);
+    EXPECT_EQ(Open(), StoreResult::kUnreachable);
+    EXPECT_NE(strstr(StoreComplaint(), "/store: Not a directory; delete what stands"), nullptr)
+        << StoreComplaint();
+    EXPECT_TRUE(fs::is_empty(elsewhere));
+}
+
+TEST_F(Store, APipeInThePlaceOfAFileIsSaid) {
+    fs::create_directory(directory_);
+    ASSERT_EQ(mkfifo((directory_ / "lock.mdb").c_str(), 0600), 0);
+    EXPECT_EQ(Open(), StoreResult::kUnreachable);
+    EXPECT_NE(strstr(StoreComplaint(), "/store/lock.mdb: Operation not supported; delete what stands"),
+              nullptr)
+        << StoreComplaint();
 }
 
 // Runs `body` in a child that has a file system of `kilobytes` on the parent directory.
