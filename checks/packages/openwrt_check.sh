@@ -25,6 +25,13 @@ if [[ $1 = --inside ]]; then
     chown() { echo "chown $2 $3"; } # called as chown -h USER FILE
     # shellcheck source=packaging/openwrt/at-server/files/at-server.init
     . "$package/files/at-server.init"
+    # The store that an earlier run left, or what its user put in its place.
+    store=/etc_rw/config/.store
+    if [[ ${values[store]-} = link ]]; then
+        store=/tmp/elsewhere
+        ln -s "$store" /etc_rw/config/.store
+    fi
+    [[ ! ${values[store]-} ]] || { mkdir "$store" && touch "$store"/{data.mdb,lock.mdb,other}; }
     start_service && service_triggers
     stat -c '%A %n' /etc_rw/config /etc/cusd 2>/dev/null
     cat /proc/sys/kernel/msgmnb
@@ -126,5 +133,31 @@ close
 trigger at-server
 $places
 16384" enabled=1 user=root
+
+started "an earlier run's store goes to the user" "chown at-server /etc/cusd
+chown at-server /etc_rw/config
+chown at-server /etc_rw/config/.store
+chown at-server /etc_rw/config/.store/data.mdb
+chown at-server /etc_rw/config/.store/lock.mdb
+open
+command /usr/sbin/at-server
+user at-server
+no_new_privs 1
+respawn 3600 5 0
+close
+trigger at-server
+$places
+16384" enabled=1 user=at-server store=directory
+started "what a link in its place leads to does not" "chown at-server /etc/cusd
+chown at-server /etc_rw/config
+open
+command /usr/sbin/at-server
+user at-server
+no_new_privs 1
+respawn 3600 5 0
+close
+trigger at-server
+$places
+16384" enabled=1 user=at-server store=link
 
 ((failures == 0))
