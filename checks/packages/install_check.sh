@@ -62,6 +62,9 @@ documented() {
     for file in "${expected[@]}"; do
         [[ -s $work/whole/$file ]] || { echo "$file is missing"; return 1; }
     done
+    # Each in one place.
+    find "$work/whole/share" -path '*completions/*' -o -path '*/zsh/*' -type f | sed 's/.*\///' | sort >"$work/completions"
+    diff <(printf '%s\n' "${expected[@]}" | sed -n '/^share\/man/d; s/.*\///p' | sort) "$work/completions"
 }
 same() { diff <(cd "$1" && find . -type f | sort) <(cd "$2" && find . -type f | sort); }
 merge() { cmake --install "$build" --prefix "$work/whole" && cp -r "$work/daemon/." "$work/tools/." "$work/development/." "$work/parts"; }
