@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Is the systemd service well formed and hardened, and does it allow all that the daemon does? No systemd runs here: the
 # daemon is watched while it works, and what it did is held against the unit's words.
-#   service_check.sh BUILD-DIRECTORY WORK-DIRECTORY      exit 77 without systemd-analyze or strace
+#   service_check.sh BUILD-DIRECTORY WORK-DIRECTORY      exit 77 without strace or systemd-analyze (250 or newer)
 set -u
 export LC_ALL=C
 here=$(cd -P -- "$(dirname -- "${BASH_SOURCE[0]}")" && pwd -P)
@@ -37,6 +37,8 @@ build=$1 work=$2
 for program in systemd-analyze strace; do
     command -v "$program" >/dev/null || { echo "service_check: $program is missing: run scripts/setup --all" >&2; exit 77; }
 done
+systemd-analyze --help | grep -q -e --offline ||
+    { echo "service_check: systemd-analyze has no --offline: systemd 250 or newer is needed" >&2; exit 77; }
 "$root/scripts/sandbox" -- true || exit 77
 rm -rf "$work"
 mkdir -p "$work"
