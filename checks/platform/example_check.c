@@ -1,6 +1,7 @@
 /* The example of a platform library: does its store keep and its timers fire as the daemon needs it? */
 
 #include <pthread.h>
+#include <signal.h>
 #include <stdatomic.h>
 #include <stdbool.h>
 #include <stdio.h>
@@ -39,18 +40,22 @@ static atomic_bool stop;
 static atomic_int torn;
 static atomic_int reads;
 
+static void ReadOnce(void) {
+    const char* value = cfg_get("text");
+    const size_t length = strlen(value);
+    if (length == 0 || strspn(value, value[0] == 'a' ? "a" : "b") != length) atomic_fetch_add(&torn, 1);
+    atomic_fetch_add(&reads, 1);
+}
+
 static void* Read(void* arg) {
-    while (!atomic_load(&stop)) {
-        const char* value = cfg_get("text");
-        const size_t length = strlen(value);
-        if (length == 0 || strspn(value, value[0] == 'a' ? "a" : "b") != length) atomic_fetch_add(&torn, 1);
-        atomic_fetch_add(&reads, 1);
-    }
+    while (!atomic_load(&stop))
+        ReadOnce();
     return arg;
 }
 
 static void CheckStore(void) {
     Expect(cfg_get("port_stat") == NULL, "a missing key");
+    Expect(cfg_get(NULL) == NULL, "no key at all");
     Expect(cfg_set("port_stat", "port_close") == 0 && Holds("port_stat", "port_close"), "a value is kept");
     Expect(cfg_set("port_stat", "") == 0 && Holds("port_stat", ""), "a shorter value takes its place");
     Expect(cfg_get("port_sta") == NULL, "the beginning of a key is another key");
@@ -93,6 +98,42 @@ static void CheckReaders(void) {
     Expect(atomic_load(&torn) == 0, "a reader sees whole values only");
 }
 
+/* Asks on the writer's thread, which is stopped meanwhile, most often in the middle of a value. */
+static void Ask(int signal) {
+    (void)signal;
+    ReadOnce();
+}
+
+static void* Write(void* arg) {
+    char a[500] = "";
+    char b[500] = "";
+    memset(a, 'a', sizeof a - 1);
+    memset(b, 'b', sizeof b - 1);
+    for (int i = 0; !atomic_load(&stop); ++i)
+        cfg_set("text", i % 2 == 0 ? b : a);
+    return arg;
+}
+
+static void CheckAStoppedWriter(void) {
+    enum { ROUNDS = 1000 };
+    atomic_store(&stop, false);
+    atomic_store(&reads, 0);
+    sigaction(SIGUSR1, &(struct sigaction){.sa_handler = Ask}, NULL);
+    pthread_t writer;
+    if (pthread_create(&writer, NULL, Write, NULL) != 0) {
+        Expect(false, "a thread for the writer");
+        return;
+    }
+    int round = 0;
+    while (round < ROUNDS && pthread_kill(writer, SIGUSR1) == 0 && Reached(&reads, round + 1))
+        ++round;
+    Expect(round == ROUNDS, "a reader does not wait for a writer that is stopped");
+    if (round < ROUNDS) return; /* the writer's thread never ends */
+    atomic_store(&stop, true);
+    pthread_join(writer, NULL);
+    Expect(atomic_load(&torn) == 0, "and sees whole values only");
+}
+
 static void CheckTimers(void) {
     static atomic_int once;
     static atomic_int again;
@@ -107,6 +148,7 @@ static void CheckTimers(void) {
 int main(void) {
     setvbuf(stdout, NULL, _IOLBF, 0);
     CheckReaders();
+    CheckAStoppedWriter();
     CheckTimers();
     CheckStore(); /* leaves it full */
     return failures == 0 ? 0 : 1;

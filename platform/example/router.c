@@ -24,11 +24,12 @@
 
 enum { KEYS = 128, KEY_SIZE = 64, VALUE_SIZE = 512 };
 
-/* A reader takes no lock: it copies the value and looks whether a change came in between. */
+/* A reader never waits for a writer, which may be stopped in the middle of its work: the next value is
+ * written beside the current one. */
 struct entry {
     char key[KEY_SIZE];  /* never changes once the entry is counted */
-    atomic_uint changes; /* odd while the value is being written */
-    _Atomic char value[VALUE_SIZE];
+    atomic_uint changes; /* complete ones; the last one stands in value[changes % 2] */
+    _Atomic char value[2][VALUE_SIZE];
 };
 
 static struct entry entries[KEYS];
@@ -45,30 +46,32 @@ static struct entry* find(const char* key) {
 
 const char* cfg_get(const char* key) {
     static _Thread_local char copy[VALUE_SIZE];
-    struct entry* entry = find(key);
+    struct entry* entry = key != NULL ? find(key) : NULL;
     if (entry == NULL) return NULL;
     for (;;) {
         const unsigned before = atomic_load_explicit(&entry->changes, memory_order_acquire);
+        const _Atomic char* value = entry->value[before % 2];
         size_t i = 0;
-        while ((copy[i] = atomic_load_explicit(&entry->value[i], memory_order_relaxed)) != '\0' &&
+        while ((copy[i] = atomic_load_explicit(&value[i], memory_order_relaxed)) != '\0' &&
                i < VALUE_SIZE - 1)
             ++i;
         copy[i] = '\0';
+        /* Only after a complete change can the next one have written where this one read. */
         atomic_thread_fence(memory_order_acquire);
-        if (before % 2 == 0 && before == atomic_load_explicit(&entry->changes, memory_order_relaxed))
-            return copy;
+        if (before == atomic_load_explicit(&entry->changes, memory_order_relaxed)) return copy;
     }
 }
 
 static void write_value(struct entry* entry, const char* value) {
-    const unsigned changes = atomic_load_explicit(&entry->changes, memory_order_relaxed);
-    atomic_store_explicit(&entry->changes, changes + 1, memory_order_relaxed);
+    const unsigned changes = atomic_load_explicit(&entry->changes, memory_order_relaxed) + 1;
+    _Atomic char* to = entry->value[changes % 2];
+    /* Whoever reads a byte written here also sees that the value before it is complete. */
     atomic_thread_fence(memory_order_release);
     size_t i = 0;
     do {
-        atomic_store_explicit(&entry->value[i], value[i], memory_order_relaxed);
+        atomic_store_explicit(&to[i], value[i], memory_order_relaxed);
     } while (value[i++] != '\0');
-    atomic_store_explicit(&entry->changes, changes + 2, memory_order_release);
+    atomic_store_explicit(&entry->changes, changes, memory_order_release);
 }
 
 int cfg_set(const char* key, const char* value) {
