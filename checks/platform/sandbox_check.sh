@@ -174,6 +174,8 @@ for line in "" "--" "--rw" "--rw /nonexistent -- true" "--mode vm -- true" "--no
     out=$("$sandbox" $line 2>&1)
     report "misuse '$line' is 2 and one line" "2:1" "$?:$(wc -l <<<"$out")"
 done
+"$sandbox" --mode plain --room 262144 -- true 2>/dev/null
+report "--room where no file system can be made is 77" 77 "$?"
 out=$("$sandbox" --help)
 report "--help" 0 "$?"
 
