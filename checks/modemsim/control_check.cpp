@@ -24,9 +24,9 @@ class Running {
         std::string out;
         std::string err;
     };
-    Done Ctl(std::vector<std::string> words) const {
+    Done Ctl(std::vector<std::string> words, void (*prepare)() = nullptr) const {
         words.insert(words.begin(), {"ctl", "--link", link});
-        Program ctl(words);
+        Program ctl(words, -1, prepare);
         const std::string out = ctl.Out();
         const std::string err = ctl.Err();
         return {ctl.Status(), out, err};
@@ -95,6 +95,13 @@ TEST(Control, RefusalsAreExplainedWithTheirOwnStatus) {
     EXPECT_EQ(nobody.Status(), 3);
     EXPECT_EQ(nobody.Err(), "modemsim: no modemsim is steered at " + running.directory.File("nobody.ctl") +
                                 ": No such file or directory; start one, or name its --link or --control\n");
+}
+
+TEST(Control, StateThatCannotBePrintedIsNoSuccess) {
+    const Running running;
+    const auto done = running.Ctl({"state"}, FillOutput);
+    EXPECT_EQ(done.status, 4);
+    EXPECT_EQ(done.err, kFullOutput);
 }
 
 TEST(Control, UnpluggedModemsLinkGoesAndComesBack) {

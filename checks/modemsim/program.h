@@ -80,8 +80,9 @@ inline std::string ReadUntil(int fd, const std::string& ending) {
 
 class Program {
   public:
-    // With `ready_fd` the child finds the descriptor's number as it is here.
-    explicit Program(std::vector<std::string> arguments, int ready_fd = -1) {
+    // With `ready_fd` the child finds the descriptor's number as it is here. `prepare` is called in the
+    // child, with its standard output and error in place.
+    explicit Program(std::vector<std::string> arguments, int ready_fd = -1, void (*prepare)() = nullptr) {
         int out[2];
         int err[2];
         if (pipe2(out, O_CLOEXEC) != 0 || pipe2(err, O_CLOEXEC) != 0) abort();
@@ -95,6 +96,7 @@ class Program {
             dup2(out[1], STDOUT_FILENO);
             dup2(err[1], STDERR_FILENO);
             if (ready_fd >= 0) fcntl(ready_fd, F_SETFD, 0);
+            if (prepare != nullptr) prepare();
             execv(pointers[0], pointers.data());
             _exit(127);
         }
@@ -138,6 +140,16 @@ class Program {
     int out_ = -1;
     int err_ = -1;
 };
+
+// For Program's `prepare`: standard output is a full disk.
+inline void FillOutput() {
+    dup2(open("/dev/full", O_WRONLY), STDOUT_FILENO);
+}
+
+// What modemsim says then.
+inline constexpr char kFullOutput[] =
+    "modemsim: standard output could not be written to its end: No space left on device; make room there, or "
+    "send it elsewhere\n";
 
 // The host's end of the modem.
 class Host {

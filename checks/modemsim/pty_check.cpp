@@ -278,5 +278,13 @@ TEST(Modemsim, UnpluggedModemIsGone) {
     EXPECT_EQ(write(host.Fd(), "A", 1), -1);
 }
 
+TEST(Modemsim, ListThatCannotBePrintedIsNoSuccess) {
+    for (const char* const option : {"--list", "--help"}) {
+        Program list({option}, -1, FillOutput);
+        EXPECT_EQ(list.Status(), 4) << option;
+        EXPECT_EQ(list.Err(), kFullOutput) << option;
+    }
+}
+
 }  // namespace
 }  // namespace modemsim

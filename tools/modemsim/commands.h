@@ -11,8 +11,9 @@ namespace modemsim {
 inline constexpr int kFailed = 1;  // exit status: something broke on the way
 inline constexpr int kMisuse = 2;  // exit status: bad options, scenario or link
 
-inline constexpr int kDeviated = 3;    // exit status: the daemon did not do what the recording says
-inline constexpr int kIncomplete = 4;  // exit status: a file could not be written to its end
+inline constexpr int kDeviated = 3;  // exit status: the daemon did not do what the recording says
+inline constexpr int kIncomplete =
+    4;  // exit status: a file or standard output could not be written to its end
 
 // "modemsim: TEXT" on standard error. Gives kMisuse.
 int Complain(const std::string& text);

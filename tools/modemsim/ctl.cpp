@@ -79,7 +79,7 @@ int Ctl(int argc, char** argv) {
     app.footer(
         "Orders:\n" + OrderHelp() +
         "\nExit status: 0 done, 1 the modem cannot do that now, 2 there is no such order, 3 no modemsim "
-        "there.");
+        "there,\n4 what was printed could not be written to its end.");
     if (const auto status = ReadArguments(app, argc, argv)) return *status;
     std::string line;
     for (const std::string& word : words)

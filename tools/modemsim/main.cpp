@@ -1,7 +1,9 @@
 // modemsim: which of its programs is meant.
 
 #include <array>
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <string>
 #include <string_view>
 
@@ -22,6 +24,18 @@ constexpr std::array kSubcommands = {
     Subcommand{"redact", modemsim::Redact},  // without what is private
 };
 
+// The exit status, once everything printed has left the program: a script must not take half a list for all
+// of it.
+int Ended(int status) {
+    errno = 0;
+    const bool flushed = std::fflush(stdout) == 0;
+    if (flushed && std::ferror(stdout) == 0) return status;
+    modemsim::Complain("standard output could not be written to its end" +
+                       (errno == 0 ? "" : std::string(": ") + std::strerror(errno)) +
+                       "; make room there, or send it elsewhere");
+    return status == 0 ? modemsim::kIncomplete : status;
+}
+
 }  // namespace
 
 int modemsim::Complain(const std::string& text) {
@@ -34,8 +48,8 @@ int main(int argc, char** argv) {
         if (argc < 2 || subcommand.name != argv[1]) continue;
         std::string name = "modemsim " + std::string(subcommand.name);
         argv[1] = name.data();
-        return subcommand.run(argc - 1, argv + 1);
+        return Ended(subcommand.run(argc - 1, argv + 1));
     }
     // Without the name of a sub-command it is a scenario that is meant.
-    return modemsim::Play(argc, argv);
+    return Ended(modemsim::Play(argc, argv));
 }

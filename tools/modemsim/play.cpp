@@ -248,7 +248,7 @@ int Play(int argc, char** argv) {
         "modemsim ctl ORDER steers a modem that runs; see modemsim ctl --help.\n\n"
         "Exit status: 0 after SIGINT, SIGTERM, SIGHUP, the order quit or the scenario's end, 1 when the pty "
         "failed,\n2 when the options, the scenario, or the place of the link or the control socket are not "
-        "right.");
+        "right,\n4 when standard output could not be written to its end.");
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
