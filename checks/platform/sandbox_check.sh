@@ -219,6 +219,8 @@ out=$(on_machine "
         setsid sleep 60.1 & env -i sleep 60.1 & touch /tmp/ready; sleep 60.1' </dev/null &
     launcher=\$!
     eventually test -e /tmp/ready || echo 'did not start'
+    # Each is a sleep a moment after it was started.
+    eventually eval '[ \$(carrying 60.1) = 3 ]'
     kill -9 \$launcher; rm /tmp/ready
     carrying 60.1
     [ -L /dev/ttyUSB1 ] || echo 'nothing was left by the killed run'
