@@ -430,6 +430,17 @@ TEST(Send, FaultsOfTheQueuesHaveTheirOwnWords) {
         "the server's queue is full and nobody took anything from it for 2 s; the request was not sent");
 }
 
+TEST(Send, AFullQueueIsNotWaitedForLongerThanTheAnswer) {
+    const key_t key = PrivateKey();
+    const Queue server(key);
+    ASSERT_GT(Fill(server.Id()), 0);
+    const Outcome outcome = RunSend(key, Short("+CSQ"));
+    EXPECT_EQ(outcome.status, 6);
+    EXPECT_EQ(outcome.misuse,
+              "the server's queue is full and nobody took anything from it for 0.050 s; the request was not "
+              "sent");
+}
+
 TEST(Send, ModuleIdsAreChecked) {
     for (const char* text : {"0", "65536", "x", "0x", "-1", "12 ", "0x10000"}) {
         SendOptions options = Options("+CSQ");

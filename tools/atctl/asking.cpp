@@ -1,5 +1,6 @@
 #include "tools/atctl/asking.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <ctime>
@@ -14,8 +15,13 @@ using Status = QueueClient::Status;
 
 namespace {
 
-// The server takes a request within a moment, unless it is busy with others.
+// The server takes a request within a moment, unless it is busy with others. Who gave the answer less time
+// than that does not wait longer for the room to ask.
 constexpr milliseconds kFullQueuePatience(2000);
+
+milliseconds PatienceToPut(const Question& question) {
+    return std::min(kFullQueuePatience, question.Patience());
+}
 
 std::optional<uint16_t> ParseModule(const std::string& text) {
     if (text.empty()) return std::nullopt;
@@ -79,16 +85,17 @@ bool Asking::Put(const Question& question) {
     clock_gettime(CLOCK_REALTIME_COARSE, &asked_at_);
     started_ = std::chrono::steady_clock::now();
     const Row& row = *question.call.row;
-    const Status status = client_.Send({row.id, question.call.type, question.paras}, kFullQueuePatience);
-    if (status != Status::ok && status != Status::stopped) throw PutFailure(status);
+    const milliseconds patience = PatienceToPut(question);
+    const Status status = client_.Send({row.id, question.call.type, question.paras}, patience);
+    if (status != Status::ok && status != Status::stopped) throw PutFailure(status, patience);
     return status == Status::ok;
 }
 
-Failure Asking::PutFailure(Status status) const {
+Failure Asking::PutFailure(Status status, milliseconds patience) const {
     switch (status) {
         case Status::server_full:
             return {kExitFull, "the server's queue is full and nobody took anything from it for " +
-                                   Seconds(std::chrono::duration<double>(kFullQueuePatience).count()) +
+                                   Seconds(std::chrono::duration<double>(patience).count()) +
                                    "; the request was not sent" + GoneReader(client_.LookAtServer())};
         case Status::no_server:
             return Misuse("the server's queue went away; the request was not sent");

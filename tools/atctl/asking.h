@@ -62,7 +62,7 @@ class Asking {
 
   private:
     Failure OpenFailure(QueueClient::Status status) const;
-    Failure PutFailure(QueueClient::Status status) const;
+    Failure PutFailure(QueueClient::Status status, std::chrono::milliseconds patience) const;
 
     QueueClient::Setup setup_;
     std::string module_text_;
