@@ -83,6 +83,9 @@ TEST(Control, RefusalsAreExplainedWithTheirOwnStatus) {
     done = running.Ctl({"rnig", "121"});
     EXPECT_EQ(done.status, 2);
     EXPECT_EQ(done.err, "modemsim: unknown word 'rnig', did you mean 'ring'?\n");
+    done = running.Ctl({"storm", "5"});
+    EXPECT_EQ(done.status, 2);
+    EXPECT_EQ(done.err, "modemsim: unknown word 'storm', did you mean 'fault storm'?\n");
     done = running.Ctl({"sim", "remove"});
     EXPECT_EQ(done.status, 2);
     EXPECT_EQ(done.err, "modemsim: behind 'sim': unknown word 'remove' (known here: pull insert lock)\n");

@@ -97,6 +97,15 @@ std::vector<std::string_view> Known(std::string_view verb) {
     return words;
 }
 
+// What stands for `verb` where no order begins with it: it may be the second word of one.
+std::string UnknownVerb(std::string_view verb) {
+    for (const Row& row : kRows)
+        if (row.object == verb)
+            return "unknown word " + Quoted(verb) + ", did you mean " +
+                   Quoted(std::string(row.verb) + " " + std::string(row.object)) + "?";
+    return UnknownWord(verb, Known(""));
+}
+
 const Row* FindRow(Words& words, std::string& reason) {
     const std::string_view verb = words.Next();
     if (verb.empty()) {
@@ -105,7 +114,7 @@ const Row* FindRow(Words& words, std::string& reason) {
     }
     const auto of_verb = [&](const Row& row) { return row.verb == verb; };
     if (std::none_of(kRows.begin(), kRows.end(), of_verb)) {
-        reason = UnknownWord(verb, Known(""));
+        reason = UnknownVerb(verb);
         return nullptr;
     }
     const Row* plain = nullptr;
