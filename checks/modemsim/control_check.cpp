@@ -1,5 +1,7 @@
 // The control socket of a real modemsim, and modemsim ctl.
 
+#include <linux/capability.h>
+#include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 
@@ -98,6 +100,20 @@ TEST(Control, RefusalsAreExplainedWithTheirOwnStatus) {
     EXPECT_EQ(nobody.Status(), 3);
     EXPECT_EQ(nobody.Err(), "modemsim: no modemsim is steered at " + running.directory.File("nobody.ctl") +
                                 ": No such file or directory; start one, or name its --link or --control\n");
+}
+
+// Root is bound by permissions, too, once it has lost this.
+void BeBound() {
+    prctl(PR_CAPBSET_DROP, CAP_DAC_OVERRIDE, 0, 0, 0);
+}
+
+TEST(Control, ModemOfAnotherUserIsNotTakenForNone) {
+    const Running running;
+    const std::string socket = running.link + ".ctl";
+    ASSERT_EQ(chmod(socket.c_str(), 0), 0);
+    const auto done = running.Ctl({"state"}, BeBound);
+    EXPECT_EQ(done.status, 5);
+    EXPECT_EQ(done.err, "modemsim: no permission to steer " + socket + "; run as its user\n");
 }
 
 TEST(Control, StateThatCannotBePrintedIsNoSuccess) {

@@ -72,12 +72,13 @@ std::string ControlPath(const std::string& link) {
 
 int ConnectTo(const std::string& path, std::string& reason) {
     sockaddr_un address;
-    if (!AddressOf(path, address, reason)) return -1;
+    if (!AddressOf(path, address, reason)) return -ENAMETOOLONG;
     const int fd = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
     if (fd >= 0 && connect(fd, Generic(address), sizeof address) == 0) return fd;
-    reason = path + ": " + ErrorText();
+    const int error = errno;
+    reason = path + ": " + std::strerror(error);
     if (fd >= 0) close(fd);
-    return -1;
+    return -error;
 }
 
 bool ControlSocket::Open(const std::string& path, std::string& reason) {

@@ -55,7 +55,8 @@ class ControlSocket {
     std::list<Client> clients_;
 };
 
-// Connects to the socket at `path`; -1 and a reason when there is nobody.
+// Connects to the socket at `path`. When that fails the negated error number (-EACCES: it belongs to somebody
+// else), and a reason.
 int ConnectTo(const std::string& path, std::string& reason);
 
 }  // namespace modemsim

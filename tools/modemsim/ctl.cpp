@@ -22,7 +22,8 @@ namespace modemsim {
 
 namespace {
 
-constexpr int kNobody = 3;  // exit status: no simulator there, or it does not answer
+constexpr int kNobody = 3;     // exit status: no simulator there, or it does not answer
+constexpr int kForbidden = 5;  // exit status: the simulator belongs to another user
 constexpr auto kPatience = std::chrono::seconds(5);
 
 // The simulator's line, or an empty text when none came in time.
@@ -79,7 +80,7 @@ int Ctl(int argc, char** argv) {
     app.footer(
         "Orders:\n" + OrderHelp() +
         "\nExit status: 0 done, 1 the modem cannot do that now, 2 there is no such order, 3 no modemsim "
-        "there,\n4 what was printed could not be written to its end.");
+        "there,\n4 what was printed could not be written to its end, 5 no permission to steer it.");
     if (const auto status = ReadArguments(app, argc, argv)) return *status;
     std::string line;
     for (const std::string& word : words)
@@ -97,6 +98,10 @@ int Ctl(int argc, char** argv) {
     }
     if (path.empty()) path = ControlPath(link);
     const int fd = ConnectTo(path, reason);
+    if (fd == -EACCES || fd == -EPERM) {
+        Complain("no permission to steer " + path + "; run as its user");
+        return kForbidden;
+    }
     if (fd < 0) {
         Complain("no modemsim is steered at " + reason + "; start one, or name its --link or --control");
         return kNobody;
