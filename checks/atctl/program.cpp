@@ -104,6 +104,37 @@ TEST_F(Program, EndsWith3WithoutAnAnswer) {
               "atctl: no answer to +CSQ within 0.100 s; 1 request waits in the server's queue\n");
 }
 
+TEST_F(Program, SaysAtOnceThatTheServerIsGoneAndTakesTheNextOnesAnswer) {
+    const Queue server(AT_MODULE_SERVER);
+    Wire request;
+    request.type = 1;
+    ASSERT_TRUE(PutInto(server.Id(), request));
+    const pid_t dead = fork();
+    if (dead == 0) _exit(TakeFrom(server.Id(), request) ? 0 : 1);
+    int status = -1;
+    ASSERT_EQ(waitpid(dead, &status, 0), dead);
+    ASSERT_EQ(status, 0);
+    const Child child = Start({"send", "+CSQ", "--timeout", "15"});
+    // Taken while it waits: the request would be answered after the whole time otherwise.
+    std::string said;
+    pollfd end = {child.err, POLLIN, 0};
+    while (said.find('\n') == std::string::npos && poll(&end, 1, 10000) > 0) {
+        char text[256];
+        const ssize_t got = read(child.err, text, sizeof text);
+        if (got <= 0) break;
+        said.append(text, static_cast<size_t>(got));
+    }
+    EXPECT_EQ(said, "atctl: the server that last read its queue (process " + std::to_string(dead) +
+                        ") is gone; still waiting (15 s in all), in case it is started again\n");
+    ASSERT_TRUE(TakeFrom(server.Id(), request));
+    const Wire answer = FakeServer::AnswerTo(request, AT_RESULT_OK, Integers({20, 0}));
+    ASSERT_TRUE(PutInto(msgget(request.record.usSourceModuleID, 0), answer));
+    const Outcome outcome = Finish(child);
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.out.substr(0, 24), "+CSQ  signal quality: OK");
+    EXPECT_EQ(outcome.err, "");
+}
+
 TEST_F(Program, MisuseIsOneLineAndEndsWith2) {
     const std::vector<std::pair<std::vector<std::string>, std::string>> cases = {
         {{}, "a subcommand is missing: send, watch, monitor, bench, list, show;"},

@@ -398,21 +398,57 @@ TEST(Send, ALateAnswerIsNotTakenForThisOne) {
     EXPECT_NE(outcome.err.find("atctl: 1 message for this module"), std::string::npos);
 }
 
-TEST(Send, ADeadServersQueueIsSaid) {
-    const key_t key = PrivateKey();
-    const Queue server(key);
-    // A process that reads once and ends.
+// A process that reads the queue once and ends; its id.
+pid_t ReadOnceAndEnd(int queue) {
     Wire message;
-    message.type = 1;
-    ASSERT_TRUE(PutInto(server.Id(), message));
     const pid_t child = fork();
-    if (child == 0) _exit(TakeFrom(server.Id(), message) ? 0 : 1);
+    if (child == 0) _exit(WaitUntil([&] { return TakeFrom(queue, message); }) ? 0 : 1);
+    return child;
+}
+
+void ExpectGoodEnd(pid_t child) {
     int status = -1;
     ASSERT_EQ(waitpid(child, &status, 0), child);
     ASSERT_EQ(status, 0);
-    EXPECT_EQ(RunSend(key, Short("+CSQ")).err,
-              "atctl: no answer to +CSQ within 0.050 s; the server that last read its queue (process " +
-                  std::to_string(child) + ") is gone\n");
+}
+
+TEST(Send, ADeadServersQueueIsSaid) {
+    const key_t key = PrivateKey();
+    const Queue server(key);
+    Wire message;
+    message.type = 1;
+    ASSERT_TRUE(PutInto(server.Id(), message));
+    const pid_t child = ReadOnceAndEnd(server.Id());
+    ExpectGoodEnd(child);
+    const std::string gone =
+        "the server that last read its queue (process " + std::to_string(child) + ") is gone";
+    EXPECT_EQ(RunSend(key, Short("+CSQ")).err, "atctl: no answer to +CSQ within 0.050 s; " + gone + "\n");
+    // Said when the first second is over, and once.
+    SendOptions options = Options("+CSQ");
+    options.timeout = 2.5;
+    const Outcome outcome = RunSend(key, options);
+    EXPECT_EQ(outcome.status, 3);
+    EXPECT_EQ(outcome.err, "atctl: " + gone +
+                               "; still waiting (2.500 s in all), in case it is started again\n"
+                               "atctl: no answer to +CSQ within 2.500 s; " +
+                               gone + "\n");
+}
+
+TEST(Send, AServerThatEndsWithTheRequestIsSaid) {
+    const key_t key = PrivateKey();
+    const Queue server(key);
+    const pid_t child = ReadOnceAndEnd(server.Id());
+    SendOptions options = Options("+CSQ");
+    options.timeout = 2.5;
+    // It must have been waited for before it counts as gone.
+    std::thread end([&] { ExpectGoodEnd(child); });
+    const Outcome outcome = RunSend(key, options);
+    end.join();
+    EXPECT_EQ(outcome.status, 3);
+    EXPECT_EQ(outcome.err.substr(0, outcome.err.find('\n')),
+              "atctl: the server that last read its queue (process " + std::to_string(child) +
+                  ") is gone and took the request with it; still waiting (2.500 s in all), but better ask "
+                  "again");
 }
 
 TEST(Send, FaultsOfTheQueuesHaveTheirOwnWords) {

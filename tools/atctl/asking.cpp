@@ -31,9 +31,13 @@ std::optional<uint16_t> ParseModule(const std::string& text) {
     return id;
 }
 
+std::string GoneReaderWords(const QueueClient::ServerState& state) {
+    return "the server that last read its queue (process " + std::to_string(state.reader) + ") is gone";
+}
+
 std::string GoneReader(const QueueClient::ServerState& state) {
     if (!state.reader_is_gone) return "";
-    return "; the server that last read its queue (process " + std::to_string(state.reader) + ") is gone";
+    return "; " + GoneReaderWords(state);
 }
 
 }  // namespace
@@ -107,9 +111,24 @@ Failure Asking::PutFailure(Status status, milliseconds patience) const {
     }
 }
 
-Reply Asking::Wait(const Question& question) {
+Reply Asking::Wait(const Question& question, const Tell& tell) {
+    bool told = false;
+    // Not before the first second is over: a server that has just been started has not read anything yet, and
+    // the last reader is the one before it.
+    const auto look = [&] {
+        if (told || !tell) return;
+        const QueueClient::ServerState state = client_.LookAtServer();
+        if (!state.reader_is_gone) return;
+        told = true;
+        // A queue outlives its server. A request that is still in it is the next server's.
+        tell(GoneReaderWords(state) +
+             (state.waiting > 0
+                  ? "; still waiting (" + Seconds(question.timeout) + " in all), in case it is started again"
+                  : " and took the request with it; still waiting (" + Seconds(question.timeout) +
+                        " in all), but better ask again"));
+    };
     Reply reply;
-    reply.status = client_.Receive(question.Patience(), reply.message);
+    reply.status = client_.Receive(question.Patience(), reply.message, look);
     reply.taken = std::chrono::steady_clock::now() - started_;
     if (reply.status == Status::ok) {
         static_assert(sizeof reply.res == sizeof reply.message.aucDataBuf);

@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -50,8 +51,10 @@ class Asking {
 
     // Puts the request into the server's queue. False when the user stopped it; throws a Failure.
     bool Put(const Question& question);
-    // Waits for the answer to it. Throws a Failure when that is impossible.
-    Reply Wait(const Question& question);
+    // Waits for the answer to it. Throws a Failure when that is impossible. The server's end is told while it
+    // is waited for, within a second and once.
+    using Tell = std::function<void(const std::string& text)>;
+    Reply Wait(const Question& question, const Tell& tell = {});
 
     // The answer of a Wait that gave one.
     Decoded Read(const Question& question, const Reply& reply) const;

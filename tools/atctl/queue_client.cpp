@@ -11,6 +11,7 @@ namespace {
 
 // How late a stop is noticed.
 constexpr milliseconds kPiece(20);
+constexpr milliseconds kSecond(1000);
 
 }  // namespace
 
@@ -78,9 +79,15 @@ QueueClient::Status QueueClient::Send(const Request& request, milliseconds patie
     });
 }
 
-QueueClient::Status QueueClient::Receive(milliseconds patience, MSG_BUF& answer) {
+QueueClient::Status QueueClient::Receive(milliseconds patience, MSG_BUF& answer,
+                                         const std::function<void()>& each_second) {
     at_client_message message;
+    auto next = steady_clock::now() + kSecond;
     const Status status = InPieces(patience, AT_CLIENT_TIMED_OUT, [&](int timeout_ms) {
+        if (each_second && steady_clock::now() >= next) {
+            each_second();
+            next += kSecond;
+        }
         return at_client_receive(client_.get(), request_, timeout_ms, &message);
     });
     if (status != Status::ok) {

@@ -58,8 +58,10 @@ class QueueClient {
     // full.
     Status Send(const Request& request, std::chrono::milliseconds patience);
 
-    // Waits for the answer to the last request; whatever else arrives is dropped and counted.
-    Status Receive(std::chrono::milliseconds patience, MSG_BUF& answer);
+    // Waits for the answer to the last request; whatever else arrives is dropped and counted. The function,
+    // if any, is called after each second without an answer.
+    Status Receive(std::chrono::milliseconds patience, MSG_BUF& answer,
+                   const std::function<void()>& each_second = {});
 
     uint16_t Module() const { return module_; }
     int32_t MessageType() const { return request_; }  // of the last request

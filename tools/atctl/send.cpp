@@ -44,7 +44,8 @@ int Send(const SendOptions& options, const QueueClient::Setup& setup, const Stre
     }
     if (options.verbose) ShowRequest(streams, asking.Client(), question);
 
-    const Reply reply = asking.Wait(question);
+    const Reply reply = asking.Wait(
+        question, [&](const std::string& text) { streams.err << "atctl: " << text << std::endl; });
     if (const unsigned dropped = asking.Client().Dropped(); dropped != 0)
         streams.err << "atctl: " << Number(dropped, "message", "messages")
                     << " for this module that did not answer this request came in and went away\n";
