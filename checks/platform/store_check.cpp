@@ -157,7 +157,7 @@ TEST_F(Store, AValueReadAgainAndAgainFollowsEveryChange) {
                                 "a longer key than any that is remembered"};  // "ab" and "ac" share a place
     for (const char* key : keys)
         EXPECT_EQ(Value(key), "(missing)");
-    for (const size_t length : {0, 1, 63, 64, 65, 4095, 2})
+    for (const size_t length : std::initializer_list<size_t>{0, 1, 63, 64, 65, 4095, 2})
         for (const char* key : keys) {
             const std::string wanted(length, key[1]);
             EXPECT_EQ(InChild([&] { return cfg_set(key, wanted.c_str()); }), 0);

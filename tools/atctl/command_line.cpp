@@ -78,8 +78,8 @@ struct CommandLine::Parser {
     std::string watch_interval;
     std::string bench_count;
 
-    CLI::App* Add(const char* name, const char* about, Action action, const std::string& notes) {
-        CLI::App* const subcommand = app.add_subcommand(name, about);
+    CLI::App* Add(const char* word, const char* about, Action action, const std::string& notes) {
+        CLI::App* const subcommand = app.add_subcommand(word, about);
         subcommand->footer(notes + kExitNotes);
         // What is left over is refused in words of our own.
         subcommand->allow_extras();
