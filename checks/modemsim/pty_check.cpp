@@ -179,14 +179,48 @@ TEST(Modemsim, MissingScenarioIsRefusedWithTheShippedNames) {
     Program modem({"nobody"});
     EXPECT_EQ(modem.Status(), 2);
     const std::string text = modem.Err();
-    EXPECT_TRUE(text.starts_with("nobody: No such file or directory\nshipped scenarios: coverage default "))
+    EXPECT_TRUE(
+        text.starts_with("modemsim: there is no file, shipped scenario or subcommand \"nobody\"; shipped "
+                         "scenarios: coverage, default, "))
         << text;
+    Program file({"/nonexistent/x.modem"});
+    EXPECT_EQ(file.Status(), 2);
+    EXPECT_EQ(file.Err(), "modemsim: /nonexistent/x.modem: No such file or directory\n");
+}
+
+TEST(Modemsim, MisspeltNamesAndOptionsAreRefusedWithWhatWasMeant) {
+    struct Case {
+        std::vector<std::string> arguments;
+        std::string text;
+    };
+    const std::string no_name = "there is no file, shipped scenario or subcommand ";
+    const Case cases[] = {
+        {{"flakky"}, no_name + "\"flakky\"; did you mean flaky?; modemsim --help tells more"},
+        {{"--seed", "1", "flakky"}, no_name + "\"flakky\"; did you mean flaky?; modemsim --help tells more"},
+        {{"reply", "x"}, no_name + "\"reply\"; did you mean replay?; modemsim --help tells more"},
+        {{"--lnk", "x"},
+         "modemsim has no option \"--lnk\"; did you mean --link or --log?; modemsim --help tells more"},
+        {{"silent", "x"}, "modemsim: \"x\" is one word too many; modemsim --help tells what it takes"},
+        {{"ctl", "--lnk", "x", "state"},
+         "modemsim ctl has no option \"--lnk\"; did you mean --link?; modemsim ctl --help tells more"},
+        {{"record", "--devise=x", "y"},
+         "modemsim record has no option \"--devise=x\"; did you mean --device?; modemsim record --help tells "
+         "more"},
+    };
+    for (const Case& one : cases) {
+        Program modem(one.arguments);
+        EXPECT_EQ(modem.Status(), 2) << one.text;
+        EXPECT_EQ(modem.Err(), "modemsim: " + one.text + "\n");
+    }
 }
 
 TEST(Modemsim, OptionsAreExplained) {
     Program help({"--help"});
     EXPECT_EQ(help.Status(), 0);
-    EXPECT_NE(help.Out().find("--link"), std::string::npos);
+    const std::string text = help.Out();
+    EXPECT_NE(text.find("--link"), std::string::npos);
+    for (const char* const line : {"\n  play ", "\n  ctl ", "\n  record ", "\n  replay ", "\n  redact "})
+        EXPECT_NE(text.find(line), std::string::npos) << line;
     Program version({"--version"});
     EXPECT_EQ(version.Status(), 0);
     EXPECT_TRUE(!Regex("modemsim [0-9.]+\n").Whole(version.Out()).empty());

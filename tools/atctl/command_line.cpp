@@ -9,6 +9,7 @@
 #include "tools/atctl/find_command.h"
 #include "tools/atctl/help_notes.h"
 #include "tools/shared/exit_status.h"
+#include "tools/shared/option_names.h"
 #include "tools/shared/suggest.h"
 #include "tools/shared/text.h"
 
@@ -120,14 +121,6 @@ namespace {
 
 constexpr char kAnswerTime[] =
     "Wait so long for each answer (default: the command's own time and a quarter, and 5 s)";
-
-std::vector<std::string> OptionNames(const CLI::App& app) {
-    std::vector<std::string> names;
-    for (const CLI::Option* option : app.get_options())
-        for (const std::string& name : option->get_lnames())
-            names.push_back("--" + name);
-    return names;
-}
 
 }  // namespace
 

@@ -4,7 +4,9 @@
 // The sub-commands of modemsim, each in a file of its own. `argv[0]` is the name to show in its help
 // ("modemsim play"), what follows are its own arguments; the return value is the exit status of the program.
 
+#include <span>
 #include <string>
+#include <string_view>
 
 namespace modemsim {
 
@@ -14,6 +16,13 @@ inline constexpr int kMisuse = 2;  // exit status: bad options, scenario or link
 inline constexpr int kDeviated = 3;  // exit status: the daemon did not do what the recording says
 inline constexpr int kIncomplete =
     4;  // exit status: a file or standard output could not be written to its end
+
+struct Subcommand {
+    std::string_view name;
+    std::string_view about;
+    int (*run)(int argc, char** argv);
+};
+std::span<const Subcommand> Subcommands();
 
 // "modemsim: TEXT" on standard error. Gives kMisuse.
 int Complain(const std::string& text);

@@ -81,6 +81,7 @@ int Ctl(int argc, char** argv) {
         "Orders:\n" + OrderHelp() +
         "\nExit status: 0 done, 1 the modem cannot do that now, 2 there is no such order, 3 no modemsim "
         "there,\n4 what was printed could not be written to its end, 5 no permission to steer it.");
+    if (const auto status = RefuseOptionInFront(app, argc, argv)) return *status;
     if (const auto status = ReadArguments(app, argc, argv)) return *status;
     std::string line;
     for (const std::string& word : words)

@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -11,17 +12,14 @@
 
 namespace {
 
-struct Subcommand {
-    std::string_view name;
-    int (*run)(int argc, char** argv);
-};
+using modemsim::Subcommand;
 
 constexpr std::array kSubcommands = {
-    Subcommand{"play", modemsim::Play},      // is a modem
-    Subcommand{"ctl", modemsim::Ctl},        // steers one that runs
-    Subcommand{"record", modemsim::Record},  // writes down what a real one says
-    Subcommand{"replay", modemsim::Replay},  // says it again
-    Subcommand{"redact", modemsim::Redact},  // without what is private
+    Subcommand{"play", "is a modem, as a scenario says; meant without a subcommand", modemsim::Play},
+    Subcommand{"ctl", "steers a modem that runs", modemsim::Ctl},
+    Subcommand{"record", "writes down what a real modem and the daemon say", modemsim::Record},
+    Subcommand{"replay", "is the modem of a recording", modemsim::Replay},
+    Subcommand{"redact", "writes a recording anew without what is private", modemsim::Redact},
 };
 
 // The exit status, once everything printed has left the program: a script must not take half a list for all
@@ -38,6 +36,10 @@ int Ended(int status) {
 
 }  // namespace
 
+std::span<const Subcommand> modemsim::Subcommands() {
+    return kSubcommands;
+}
+
 int modemsim::Complain(const std::string& text) {
     std::fprintf(stderr, "modemsim: %s\n", text.c_str());
     return kMisuse;
@@ -51,5 +53,7 @@ int main(int argc, char** argv) {
         return Ended(subcommand.run(argc - 1, argv + 1));
     }
     // Without the name of a sub-command it is a scenario that is meant.
+    std::string name = "modemsim";
+    if (argc > 0) argv[0] = name.data();
     return Ended(modemsim::Play(argc, argv));
 }

@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "tools/modemsim/command_line.h"
 #include "tools/modemsim/commands.h"
 #include "tools/modemsim/control.h"
 #include "tools/modemsim/engine.h"
@@ -20,6 +21,8 @@
 #include "tools/modemsim/running.h"
 #include "tools/modemsim/scenario.h"
 #include "tools/modemsim/trace.h"
+#include "tools/shared/suggest.h"
+#include "tools/shared/text.h"
 
 namespace modemsim {
 
@@ -169,25 +172,47 @@ bool Simulator::Run(int signals, std::string& reason) {
     return false;
 }
 
+// No file, no shipped scenario: "flakky", or "reply" for a subcommand.
+bool IsUnknown(const std::string& name) {
+    return name.find('/') == std::string::npos && access(FindScenario(name).c_str(), F_OK) != 0;
+}
+
+int RefuseName(const std::string& name) {
+    const std::vector<std::string> shipped = ShippedScenarios();
+    std::vector<std::string> names = shipped;
+    for (const Subcommand& subcommand : Subcommands())
+        names.emplace_back(subcommand.name);
+    std::string hint = DidYouMean(name, names);
+    if (hint.empty()) hint = "; shipped scenarios: " + Join(shipped, ", ");
+    return Complain("there is no file, shipped scenario or subcommand \"" + Printable(name) + "\"" + hint +
+                    "; modemsim --help tells more");
+}
+
+// A line for each, in the help.
+std::string SubcommandHelp() {
+    constexpr std::size_t kColumn = 10;
+    std::string help = "Subcommands (modemsim SUBCOMMAND --help tells more):\n";
+    for (const Subcommand& subcommand : Subcommands()) {
+        std::string line = "  " + std::string(subcommand.name);
+        line.resize(kColumn, ' ');
+        help += line + std::string(subcommand.about) + "\n";
+    }
+    return help;
+}
+
 int Start(const Options& options) {
     if (options.list) {
         for (const std::string& name : ShippedScenarios())
             std::printf("%s\n", name.c_str());
         return 0;
     }
+    if (IsUnknown(options.scenario)) return RefuseName(options.scenario);
     ParseResult parsed = LoadScenario(FindScenario(options.scenario));
+    // Nothing was read at all: it is not the file's text that is wrong.
+    if (!parsed.Ok() && parsed.scenario.files.empty()) return Complain(parsed.problems.front().Text());
     for (const Problem& problem : parsed.problems)
         std::fprintf(stderr, "%s\n", problem.Text().c_str());
-    if (!parsed.Ok()) {
-        // Nothing was read at all: the name may have been meant for a shipped one.
-        if (parsed.scenario.files.empty()) {
-            std::string names;
-            for (const std::string& name : ShippedScenarios())
-                names += " " + name;
-            std::fprintf(stderr, "shipped scenarios:%s\n", names.c_str());
-        }
-        return kMisuse;
-    }
+    if (!parsed.Ok()) return kMisuse;
     if (options.check) {
         std::printf("%s: %zu rules for %zu command lines, %zu reports\n",
                     parsed.scenario.files.front().c_str(), parsed.scenario.RuleCount(),
@@ -237,23 +262,18 @@ int Play(int argc, char** argv) {
         ->type_name("PATH");
     app.add_flag("--no-control", options.no_control, "No control socket");
     app.add_option("--seed", options.seed, "Of everything random, instead of the scenario's")->type_name("N");
-    app.add_option(
-           "--ready-fd", options.ready_fd,
-           "Write \"ready PATH\" to this descriptor once the link stands, instead of to standard output")
-        ->type_name("N")
-        ->check(CLI::NonNegativeNumber);
+    AddReadyOption(app, options.ready_fd);
     app.add_flag("--check", options.check, "Read the scenario, say what it holds, and leave");
     app.add_flag("--list", options.list, "List the shipped scenarios and leave");
     app.footer(
-        "modemsim ctl ORDER steers a modem that runs; see modemsim ctl --help.\n\n"
-        "Exit status: 0 after SIGINT, SIGTERM, SIGHUP, the order quit or the scenario's end, 1 when the pty "
+        SubcommandHelp() +
+        "\nExit status: 0 after SIGINT, SIGTERM, SIGHUP, the order quit or the scenario's end, 1 when the "
+        "pty "
         "failed,\n2 when the options, the scenario, or the place of the link or the control socket are not "
         "right,\n4 when standard output could not be written to its end.");
-    try {
-        app.parse(argc, argv);
-    } catch (const CLI::ParseError& error) {
-        return app.exit(error) == 0 ? 0 : kMisuse;
-    }
+    // Before its arguments are judged as a scenario's.
+    if (argc > 1 && argv[1][0] != '\0' && argv[1][0] != '-' && IsUnknown(argv[1])) return RefuseName(argv[1]);
+    if (const auto status = ReadArguments(app, argc, argv)) return *status;
     return Start(options);
 }
 
