@@ -148,7 +148,7 @@ void ReportReference(std::ostream& out) {
            "Generated from the catalogue of reports; `docgen reports docs/reports.md` writes it anew.\n\n"
            "What the modem says without being asked goes to the queue of one module. Such a message looks "
            "like "
-           "an answer that\nnobody asked for: message type 1, `usDataLen` 518, result 1 (11 when USSD "
+           "an answer that\nnobody asked for: message type 1, `usDataLen` 518, result 1 (4 when USSD "
            "failed), "
            "command and type as listed here.\nIntegers are in host byte order, a text ends with a NUL. Where "
            "no record is named, `aucParas` is text of\n`usParaLen` characters, as the modem said it; that of "
