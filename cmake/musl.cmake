@@ -8,4 +8,4 @@ at_foreign_libc(
   CXX_INCLUDE /usr/include/c++/${version} /usr/include/x86_64-linux-gnu/c++/${version}
   LIBRARIES /usr/lib/x86_64-linux-musl
   LINK_OPTIONS "-static")
-set(AT_FOREIGN_LIBC_STATIC ON)
+set(AT_ROUTER_SERVER_IN_ONE ON)
