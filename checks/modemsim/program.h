@@ -3,6 +3,7 @@
 
 // The program as a user starts it, and the host at the other end of its pty.
 
+#include <errno.h>
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <poll.h>
@@ -166,6 +167,13 @@ class Host {
     std::string Ask(const std::string& text, const std::string& ending) const {
         Send(text);
         return ReadUntil(fd_, ending);
+    }
+    // Waits until the modem says something or goes. While a hang-up is under way reading fails, afterwards it
+    // ends.
+    bool IsHungUp() const {
+        char c = 0;
+        const auto got = read(fd_, &c, 1);
+        return got == 0 || (got == -1 && errno == EIO);
     }
 
   private:
