@@ -10,6 +10,8 @@ foreach(pair daemon:at-server tools:at-server-tools development:libat-client-dev
   list(GET pair 1 package)
   install(FILES ${debian}/copyright ${debian}/changelog DESTINATION share/doc/${package}
           COMPONENT debian_${component} EXCLUDE_FROM_ALL)
+  install(FILES ${debian}/${package}.lintian-overrides DESTINATION share/lintian/overrides RENAME ${package}
+          COMPONENT debian_${component} EXCLUDE_FROM_ALL)
   string(TOUPPER ${component} upper)
   set(CPACK_DEBIAN_${upper}_PACKAGE_NAME ${package})
   set(CPACK_COMPONENT_${upper}_GROUP ${component})

@@ -6,21 +6,8 @@ set -u
 export LC_ALL=C
 here=$(cd -P -- "$(dirname -- "${BASH_SOURCE[0]}")" && pwd -P)
 
-failures=0
-passed() { echo "ok      $1"; }
-failed() {
-    echo "FAILED  $1"
-    failures=$((failures + 1))
-}
-check() {
-    local name=$1 output
-    shift
-    if output=$("$@" 2>&1); then passed "$name"; else failed "$name: $(tail -n 15 <<<"$output")"; fi
-}
-skip() {
-    echo "debian_check: $1" >&2
-    exit 77
-}
+# shellcheck source=checks/packages/verdict.sh
+. "$here/verdict.sh"
 
 # ---- in the clean root
 # What differs from the machine below, but for what dpkg and the system write about any package.
@@ -98,6 +85,11 @@ in_clean_root() {
     check "purging leaves no file" diff /dev/null <(changes)
     check "purging leaves no user" diff /tmp/users <(users)
 
+    # As in an image under construction. The directories are made by the first start.
+    check "install without /proc" install_without_proc
+    check "purge that" dpkg -P at-server
+    check "that leaves no file either" diff /dev/null <(changes)
+
     # What is not the server's stays.
     check "install again" dpkg -i /debs/at-server_*.deb
     echo mine >/etc_rw/config/AT_Test.ini
@@ -105,6 +97,14 @@ in_clean_root() {
     check "files of others stay, in root's hands" owned_by "root:root 755" /etc_rw/config
     check "unharmed" test "$(cat /etc_rw/config/AT_Test.ini)" = mine
     ((failures == 0))
+}
+install_without_proc() {
+    local status
+    umount /proc || return
+    dpkg -i /debs/at-server_*.deb
+    status=$?
+    mount -t proc proc /proc
+    ((status == 0)) && [[ $(dpkg-query -W -f '${db:Status-Status}' at-server) = installed ]]
 }
 refuses_nobody() {
     local output
@@ -115,8 +115,7 @@ refuses_nobody() {
 
 enter_clean_root() {
     local work=$1 root=$2
-    mount -t tmpfs none "$work" && mkdir "$work"/{upper,overlay,root} || return 1
-    mount -t overlay overlay -o "lowerdir=/,upperdir=$work/upper,workdir=$work/overlay" "$work/root" || return 1
+    overlay_of_this_machine "$work" || return 1
     [[ $root ]] || return 0
     cd "$work/root" || return 1
     mount -t tmpfs none tmp && mount -t tmpfs none run && mount -t tmpfs none dev && mount -t proc proc proc || return 1
@@ -135,7 +134,7 @@ case $1 in
         enter_clean_root "$2" "$3" || skip "cannot make the clean root"
         # The check itself from the machine: the overlay shows it, but only if it lies on the root file system.
         cp "${BASH_SOURCE[0]}" "$2/root/tmp/check"
-        cp "$here/../support/world.sh" "$2/root/tmp/"
+        cp "$here/../support/world.sh" "$here/verdict.sh" "$2/root/tmp/"
         DEBIAN_FRONTEND=noninteractive exec chroot "$2/root" /bin/bash /tmp/check --clean
         ;;
     --clean)
@@ -152,19 +151,18 @@ case $1 in
         done
         ((EUID == 0)) || skip "only root can install packages in a clean root"
         rm -rf "$work"
-        mkdir -p "$work/root" "$work/debs"
+        mkdir -p "$work/root"
         work=$(cd -P -- "$work" && pwd -P)
         unshare --mount -- "$here/debian_check.sh" --try "$work/root" || skip "no overlay of / can be mounted here"
-        cpack -G DEB --config "$build/CPackConfig.cmake" -B "$work/packing" >"$work/log" 2>&1 || {
-            cat "$work/log"
-            exit 1
-        }
-        mv "$work"/packing/*.deb "$work/debs"
+        make_packages "$build" "$work" || exit 1
         ending=_${VERSION}_$(dpkg --print-architecture).deb
         check "no more and no fewer packages" diff <(cd "$work/debs" && ls) \
             <(printf "%s$ending\n" at-server at-server-tools libat-client-dev | sort)
         check "the changelog is of this version" test "$(dpkg-parsechangelog -l "$here/../../packaging/debian/changelog" \
             -S Version)" = "$VERSION"
+        if command -v lintian >/dev/null; then
+            check "lintian finds nothing" lintian --allow-root --fail-on error,warning "$work"/debs/*.deb
+        fi
         unshare --mount --ipc --pid --fork --kill-child -- "$here/debian_check.sh" --inside "$work/root" "$work/debs" ||
             failures=$((failures + 1))
         ((failures == 0))

@@ -6,6 +6,8 @@ set -u
 root=$(cd -P -- "$(dirname -- "${BASH_SOURCE[0]}")/../.." && pwd -P)
 # shellcheck source=checks/support/world.sh
 . "$root/checks/support/world.sh"
+# shellcheck source=checks/packages/verdict.sh
+. "$root/checks/packages/verdict.sh"
 
 if [[ $1 = --inside ]]; then
     prefix=$2
@@ -19,18 +21,6 @@ build=$1 work=$2
 "$root/scripts/sandbox" -- true || exit 77
 rm -rf "$work"
 mkdir -p "$work"
-failures=0
-check() {
-    local name=$1
-    shift
-    if "$@" >"$work/log" 2>&1; then
-        echo "ok      $name"
-    else
-        echo "FAILED  $name: $(tail -n 20 "$work/log")"
-        failures=$((failures + 1))
-    fi
-}
-
 # ---- each component alone, with what belongs to it
 # installed COMPONENT FILE...: installs it below $work/COMPONENT, where these files must be, among others.
 installed() {
@@ -85,7 +75,8 @@ by_cmake() {
 check "find_package" by_cmake
 too_new() {
     sed 's/at-server 0.1/at-server 99.0/' "$root/checks/packages/consumer/CMakeLists.txt" >"$work/new/CMakeLists.txt"
-    ! cmake -S "$work/new" -B "$work/new/build" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" && grep -q 99.0 "$work/log"
+    ! cmake -S "$work/new" -B "$work/new/build" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" >"$work/log" 2>&1 &&
+        grep -q 99.0 "$work/log"
 }
 mkdir "$work/new"
 check "find_package refuses another version" too_new

@@ -8,6 +8,8 @@ export LC_ALL=C
 here=$(cd -P -- "$(dirname -- "${BASH_SOURCE[0]}")" && pwd -P)
 root=$(cd -P -- "$here/../.." && pwd -P)
 package=$root/packaging/openwrt/at-server
+# shellcheck source=checks/packages/verdict.sh
+. "$here/verdict.sh"
 
 if [[ $1 = --inside ]]; then
     # The values of /etc/config/at-server are given as NAME=VALUE.
@@ -40,20 +42,9 @@ fi
 
 build=$1 work=$2
 "$root/scripts/sandbox" -- true || exit 77
-git -C "$root" rev-parse -q --verify HEAD >/dev/null || { echo "openwrt_check: no git repository" >&2; exit 77; }
+git -C "$root" rev-parse -q --verify HEAD >/dev/null || skip "no git repository"
 rm -rf "$work"
 mkdir -p "$work"
-failures=0
-check() {
-    local name=$1 output
-    shift
-    if output=$("$@" 2>&1); then
-        echo "ok      $name"
-    else
-        echo "FAILED  $name: $(tail -n 20 <<<"$output")"
-        failures=$((failures + 1))
-    fi
-}
 
 # ---- the Makefile
 run() { make -s -C "$package" TOPDIR="$here/openwrt" INCLUDE_DIR="$here/openwrt" WORK="$work" PKG_INSTALL_DIR="$work/whole" "$@"; }

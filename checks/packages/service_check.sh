@@ -8,6 +8,8 @@ here=$(cd -P -- "$(dirname -- "${BASH_SOURCE[0]}")" && pwd -P)
 root=$(cd -P -- "$here/../.." && pwd -P)
 # shellcheck source=checks/support/world.sh
 . "$root/checks/support/world.sh"
+# shellcheck source=checks/packages/verdict.sh
+. "$here/verdict.sh"
 
 if [[ $1 = --inside ]]; then
     bin=$2
@@ -35,24 +37,12 @@ fi
 
 build=$1 work=$2
 for program in systemd-analyze strace; do
-    command -v "$program" >/dev/null || { echo "service_check: $program is missing: run scripts/setup --all" >&2; exit 77; }
+    command -v "$program" >/dev/null || skip "$program is missing: run scripts/setup --all"
 done
-systemd-analyze --help | grep -q -e --offline ||
-    { echo "service_check: systemd-analyze has no --offline: systemd 250 or newer is needed" >&2; exit 77; }
+systemd-analyze --help | grep -q -e --offline || skip "systemd-analyze has no --offline: systemd 250 or newer is needed"
 "$root/scripts/sandbox" -- true || exit 77
 rm -rf "$work"
 mkdir -p "$work"
-failures=0
-check() {
-    local name=$1 output
-    shift
-    if output=$("$@" 2>&1); then
-        echo "ok      $name"
-    else
-        echo "FAILED  $name: $(tail -n 15 <<<"$output")"
-        failures=$((failures + 1))
-    fi
-}
 silent() {
     local output
     if ! output=$("$@" 2>&1) || [[ $output ]]; then
