@@ -193,10 +193,16 @@ TEST_F(Requests, BurstOf200From8ModulesReachesEveryRequester) {
     }
 }
 
+// A round is a sleep of 10 ms. How long that is on this machine, with what else it does, is measured beside
+// it.
 TEST_F(Requests, AnswerIsInTheQueueWithinARoundOfTheModemsLastByte) {
     TheModem().SetAnswer([](const std::string&) { return std::string(); });
     Module module(0x1234);
-    std::vector<double> milliseconds;
+    std::vector<double> answers;
+    std::vector<double> sleeps;
+    const auto since = [](std::chrono::steady_clock::time_point start) {
+        return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
+    };
     for (int i = 0; i < 50; ++i) {
         TheModem().ForgetLines();
         module.Ask(0x0604, kExec);
@@ -205,15 +211,19 @@ TEST_F(Requests, AnswerIsInTheQueueWithinARoundOfTheModemsLastByte) {
         TheModem().Say("\r\n+CSQ: 20,99\r\n\r\nOK\r\n");
         Received answer;
         ASSERT_TRUE(module.Receive(answer));
-        milliseconds.push_back(
-            std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - last_byte).count());
+        answers.push_back(since(last_byte));
+        const auto asleep = std::chrono::steady_clock::now();
+        usleep(10'000);
+        sleeps.push_back(since(asleep));
     }
-    std::sort(milliseconds.begin(), milliseconds.end());
-    RecordProperty("median_ms", std::to_string(milliseconds[25]));
-    printf("modem's last byte to answer in the queue: median %.1f ms, slowest %.1f ms of 50\n",
-           milliseconds[25], milliseconds.back());
-    // A round is 10 ms; what the median has on top is scheduling on a machine that does other things, too.
-    EXPECT_LT(milliseconds[25], 13.0);
+    std::sort(answers.begin(), answers.end());
+    std::sort(sleeps.begin(), sleeps.end());
+    RecordProperty("median_ms", std::to_string(answers[25]));
+    printf(
+        "modem's last byte to answer in the queue: median %.1f ms, slowest %.1f ms of 50; a sleep of 10 ms: "
+        "median %.1f ms, slowest %.1f ms\n",
+        answers[25], answers.back(), sleeps[25], sleeps.back());
+    EXPECT_LT(answers[25], sleeps[25]);
 }
 
 // ------------------------------------------------------------------- bad input
