@@ -143,6 +143,8 @@ TEST_F(Program, MisuseIsOneLineAndEndsWith2) {
         {{"+CSQ"}, "to send it: atctl send '+CSQ'"},
         {{"AT+CFUN=1"}, "to send it: atctl send '+CFUN=' 1"},
         {{"--jsno"}, "there is no option \"--jsno\" before the subcommand"},
+        {{"-x"}, "there is no option \"-x\" before the subcommand; atctl --help tells more"},
+        {{"help", "sned"}, "there is no subcommand \"sned\""},
         {{"raw", "AT+CSQ"}, "modules never send AT syntax, they fill records; type: atctl send '+CSQ'"},
         {{"raw", "+CPMS=SM,ME,SM"}, "type: atctl send '+CPMS=' SM ME SM"},
         {{"raw", "AT+XYZZY"}, "there is no command for \"AT+XYZZY\""},
@@ -250,6 +252,8 @@ TEST_F(Program, EveryHelpHasTwoExamplesThatHold) {
         EXPECT_EQ(examples, 2U) << help.out;
     }
     EXPECT_EQ(Atctl({"--help"}).status, 0);
+    EXPECT_EQ(Atctl({"help"}).out, Atctl({"--help"}).out);
+    EXPECT_EQ(Atctl({"help", "send"}).out, Atctl({"send", "--help"}).out);
     const Outcome version = Atctl({"--version"});
     EXPECT_EQ(version.status, 0);
     EXPECT_EQ(version.out.substr(0, 6), "atctl ");

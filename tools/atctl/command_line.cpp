@@ -199,13 +199,14 @@ void CommandLine::Parser::CheckFirstWord(int argc, char** argv) const {
         names.push_back(subcommand->get_name());
     if (argc < 2) throw Misuse("a subcommand is missing: " + Join(names, ", ") + "; atctl --help tells more");
     const std::string_view word = argv[1];
-    if (word.starts_with("--")) {
+    if (word.starts_with('-')) {
         const std::vector<std::string> options = OptionNames(app);
-        if (std::find(options.begin(), options.end(), word) == options.end())
+        if (word != "-h" && std::find(options.begin(), options.end(), word) == options.end())
             throw Misuse("there is no option \"" + Printable(word) + "\" before the subcommand" +
-                         DidYouMean(word, options));
+                         (word.starts_with("--") ? DidYouMean(word, options) : "; atctl --help tells more"));
+        return;
     }
-    if (word.starts_with('-') || std::find(names.begin(), names.end(), word) != names.end()) return;
+    if (std::find(names.begin(), names.end(), word) != names.end()) return;
     // A request without "send", or AT syntax.
     const std::string call = CallInstead(word);
     throw Misuse("there is no subcommand \"" + Printable(word) + "\", only " + Join(names, ", ") +

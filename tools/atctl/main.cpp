@@ -49,6 +49,13 @@ int Run(int argc, char** argv) {
     if (first == "complete") return PrintCandidates(line, argc, argv);
     if (first == "raw") RefuseRaw({argv + 2, argv + argc});
 
+    // "help send", as other programs have it, is "send --help"; "help" alone is "--help".
+    char option[] = "--help";
+    if (first == "help" && argc <= 3) {
+        argv[1] = argv[argc - 1];
+        argv[argc - 1] = option;
+    }
+
     const std::optional<Action> action = line.Parse(argc, argv);
     if (!action.has_value()) return kExitGood;
     const Look look = LookFor(STDOUT_FILENO, line.colour);
