@@ -9,11 +9,12 @@
  *     at_client_error error = at_client_open(&options, &client);
  *     if (error != AT_CLIENT_OK) { puts(at_client_error_text(error)); ... }
  *     AT_CSQ_EXEC_RES_PARA_T signal;
- *     error = at_client_fetch(client, 0x0604, AT_CMD_TYPE_EXEC, NULL, 0, AT_CLIENT_PATIENT, &signal, sizeof
- * signal); at_client_close(client);
+ *     error = at_client_fetch(client, AT_ID_CSQ, AT_CMD_TYPE_EXEC, NULL, 0, AT_CLIENT_PATIENT, &signal,
+ *                             sizeof signal);
+ *     at_client_close(client);
  *
- * Command ids and records stand in docs/commands.md and commands/records_<domain>.h, records of reports in
- * reports/report_records.h.
+ * Command ids stand in commands/command_ids.h, records in commands/records_<domain>.h and, of reports, in
+ * reports/report_records.h; docs/commands.md and docs/reports.md tell what they mean.
  *
  * How an answer is matched. The server copies the message type of a request into its answer. Every request
  * gets a message type that no other request of this handle has, from a random place on, and an answer counts

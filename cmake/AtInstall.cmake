@@ -54,7 +54,7 @@ endif()
 # ---- development
 set(headers_to ${CMAKE_INSTALL_INCLUDEDIR}/at-server)
 file(GLOB record_headers CONFIGURE_DEPENDS commands/records_*.h)
-install(FILES ${record_headers} DESTINATION ${headers_to}/commands COMPONENT development)
+install(FILES ${record_headers} commands/command_ids.h DESTINATION ${headers_to}/commands COMPONENT development)
 install(FILES records/message.h records/payload.h DESTINATION ${headers_to}/records COMPONENT development)
 install(FILES reports/report_records.h DESTINATION ${headers_to}/reports COMPONENT development)
 

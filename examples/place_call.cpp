@@ -12,18 +12,9 @@
 #include <thread>
 
 #include "client/at_client.h"
+#include "commands/command_ids.h"
 
 namespace {
-
-enum : uint16_t {
-    kDial = 0x0401,    // D: its parameters are the number, without a NUL
-    kHangUp = 0x0403,  // +CHUP
-    // Reports, see docs/reports.md
-    kEnded = 0x0408,
-    kConnected = 0x040D,
-    kNoCarrier = 0x040E,
-    kRingback = 0x053D,
-};
 
 // All that the handler and the callback touch: the main thread looks every 10 ms.
 std::atomic<bool> g_stop{false};
@@ -34,15 +25,15 @@ void OnReport(at_client*, const at_client_message* report, void*) {
     char text[64];
     at_client_text(report, text, sizeof text);
     switch (report->cmd_id) {
-        case kRingback:
+        case AT_ID_RINGBACK:
             std::puts("it rings over there");
             break;
-        case kConnected:
+        case AT_ID_CONNECT:
             std::puts("connected");
             g_connected = true;
             break;
-        case kEnded:
-        case kNoCarrier:
+        case AT_ID_HANGUP:
+        case AT_ID_VOICE_NO_CARRIER:
             std::printf("the call has ended (%s)\n", text);
             g_over = true;
             break;
@@ -108,14 +99,15 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "place_call: opening: %s\n", at_client_error_text(error));
         return 1;
     }
-    bool good = Command(client, kDial, argv[1], "dialling");
+    // The parameters of a dial are the number, without a NUL.
+    bool good = Command(client, AT_ID_D, argv[1], "dialling");
     if (good) {
         std::printf("dialling %s\n", argv[1]);
         good = WaitFor(std::chrono::seconds(60), [] { return g_connected.load(); });
         if (good) WaitFor(talk, [] { return false; });
         // Ctrl-C or not, the call must not go on without us. at_client_stop would have ended this question
         // too.
-        if (!g_over && Command(client, kHangUp, "", "hanging up"))
+        if (!g_over && Command(client, AT_ID_CHUP, "", "hanging up"))
             WaitFor(std::chrono::seconds(5), [] { return g_over.load(); });
     }
     at_client_close(client);

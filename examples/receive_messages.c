@@ -11,13 +11,8 @@
 #include <unistd.h>
 
 #include "client/at_client.h"
+#include "commands/command_ids.h"
 #include "commands/records_sms.h"
-
-enum {
-    kReadMessage = 0x0107 /* +CMGR */,
-    kTellOfMessages = 0x010E /* +CNMI */,
-    kNewMessage = 0x0110 /* +CMTI */
-};
 
 static at_client* g_client;
 
@@ -29,8 +24,8 @@ static void Stop(int number) {
 static void ReadMessage(int32_t index) {
     const AT_CMGR_SET_PARA_T which = {.index = index};
     AT_CMGR_SET_RES_PARA_T message;
-    const at_client_error error = at_client_fetch(g_client, kReadMessage, AT_CMD_TYPE_SET, &which,
-                                                  sizeof which, AT_CLIENT_PATIENT, &message, sizeof message);
+    const at_client_error error = at_client_fetch(g_client, AT_ID_CMGR, AT_CMD_TYPE_SET, &which, sizeof which,
+                                                  AT_CLIENT_PATIENT, &message, sizeof message);
     /* This record is larger than a message of the queue. Its front comes, which holds a PDU of 464 digits. */
     if (error == AT_CLIENT_OK || error == AT_CLIENT_CUT)
         printf("message %d, %d octets: %s\n", (int)index, (int)message.length, message.pdu);
@@ -44,7 +39,7 @@ static at_client_error TakeReports(void) {
     at_client_error error;
     while ((error = at_client_next_report(g_client, &report, 0)) == AT_CLIENT_OK) {
         AT_CMTI_NOTIFY_RES_PARA_T place;
-        if (report.cmd_id == kNewMessage && at_client_record(&report, &place, sizeof place) == AT_CLIENT_OK)
+        if (report.cmd_id == AT_ID_CMTI && at_client_record(&report, &place, sizeof place) == AT_CLIENT_OK)
             ReadMessage(place.index);
         else
             printf("report 0x%04X\n", report.cmd_id);
@@ -73,7 +68,7 @@ int main(int argc, char** argv) {
     sigaction(SIGTERM, &action, NULL);
 
     const AT_CNMI_SET_PARA_T tell = {.mode = 2, .mt = 1};
-    error = at_client_fetch(g_client, kTellOfMessages, AT_CMD_TYPE_SET, &tell, sizeof tell, AT_CLIENT_PATIENT,
+    error = at_client_fetch(g_client, AT_ID_CNMI, AT_CMD_TYPE_SET, &tell, sizeof tell, AT_CLIENT_PATIENT,
                             NULL, 0);
     if (error == AT_CLIENT_OK) {
         puts("waiting for messages");

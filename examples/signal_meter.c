@@ -8,9 +8,8 @@
 #include <string.h>
 
 #include "client/at_client.h"
+#include "commands/command_ids.h"
 #include "commands/records_network.h"
-
-enum { kSignalQuality = 0x0604 }; /* +CSQ */
 
 static at_client* g_client;
 
@@ -61,8 +60,8 @@ int main(int argc, char** argv) {
 
     for (int done = 0; readings == 0 || done < readings; ++done) {
         AT_CSQ_EXEC_RES_PARA_T quality;
-        error = at_client_fetch(g_client, kSignalQuality, AT_CMD_TYPE_EXEC, NULL, 0, AT_CLIENT_PATIENT,
-                                &quality, sizeof quality);
+        error = at_client_fetch(g_client, AT_ID_CSQ, AT_CMD_TYPE_EXEC, NULL, 0, AT_CLIENT_PATIENT, &quality,
+                                sizeof quality);
         if (error == AT_CLIENT_OK)
             Show(&quality);
         else if (error == AT_CLIENT_REFUSED || error == AT_CLIENT_TIMED_OUT)

@@ -1,8 +1,10 @@
 #include <algorithm>
 #include <cstdio>
 #include <fstream>
+#include <iomanip>
 #include <iostream>
 #include <iterator>
+#include <map>
 #include <nlohmann/json.hpp>
 #include <sstream>
 #include <string>
@@ -162,11 +164,54 @@ void ReportReference(std::ostream& out) {
     }
 }
 
+// A command's or a report's name as part of a C name. Lines of the modem's debugger have the word that they
+// begin with.
+std::string PlainName(const std::string& name) {
+    const bool debug = name.starts_with("!=");
+    std::string plain = debug ? "DEBUG_" : "";
+    for (const char c : name.substr(std::min(name.find_first_not_of("+^$%!=\""), name.size()))) {
+        if (c == '"' || (debug && c == ' ')) break;
+        plain += isalnum(static_cast<unsigned char>(c)) ? static_cast<char>(toupper(c)) : '_';
+    }
+    return plain;
+}
+
+void CommandIds(std::ostream& out) {
+    struct Meaning {
+        std::string name;
+        std::string_view title;
+    };
+    // A command may have two rows, of which the second is never found; and most reports have no row.
+    std::map<uint16_t, Meaning> ids;
+    for (const Row& row : Commands())
+        ids.insert({row.id, {CommandName(row), row.title}});
+    for (const ReportInfo* report : kReports)
+        ids.insert({report->id, {report->name, report->title}});
+    std::map<std::string, int> uses;
+    for (const auto& [id, meaning] : ids)
+        ++uses[PlainName(meaning.name)];
+
+    out << "#ifndef AT_COMMANDS_COMMAND_IDS_H\n#define AT_COMMANDS_COMMAND_IDS_H\n\n"
+           "/* The ids of all commands and reports, for usCmdID. Usable from C11 and C++.\n"
+           " * Generated from the command table and the catalogue of reports; `docgen ids "
+           "commands/command_ids.h` writes it anew. */\n\n/* clang-format off */\nenum {\n";
+    for (const auto& [id, meaning] : ids) {
+        // Two names that differ in their first sign alone are told apart by it.
+        const std::string plain = PlainName(meaning.name);
+        const char* const sign = uses[plain] > 1 && meaning.name[0] == '^' ? "CARET_" : "";
+        out << "    AT_ID_" << std::left << std::setw(24) << sign + plain << " = " << HexNumber(id)
+            << (id == ids.rbegin()->first ? " " : ",") << " /* " << meaning.name;
+        if (!meaning.title.empty()) out << ": " << meaning.title;
+        out << " */\n";
+    }
+    out << "};\n/* clang-format on */\n\n#endif\n";
+}
+
 struct Page {
     std::string_view name;
     void (*write)(std::ostream& out);
 };
-constexpr Page kPages[] = {{"commands", CommandReference}, {"reports", ReportReference}};
+constexpr Page kPages[] = {{"commands", CommandReference}, {"reports", ReportReference}, {"ids", CommandIds}};
 
 }  // namespace
 
@@ -175,7 +220,7 @@ int main(int argc, char** argv) {
     const std::string_view name = argc > 2 ? argv[check ? 2 : 1] : "";
     const auto* const page = std::ranges::find(kPages, name, &Page::name);
     if (argc != (check ? 4 : 3) || page == std::end(kPages)) {
-        std::cerr << "Usage: docgen PAGE FILE          writes a reference; PAGE is commands or reports\n"
+        std::cerr << "Usage: docgen PAGE FILE          writes a reference; PAGE is commands, reports or ids\n"
                      "       docgen --check PAGE FILE  ends with 1 when FILE is not what would be written\n";
         return 2;
     }
