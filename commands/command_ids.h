@@ -2,7 +2,8 @@
 #define AT_COMMANDS_COMMAND_IDS_H
 
 /* The ids of all commands and reports, for usCmdID. Usable from C11 and C++.
- * Generated from the command table and the catalogue of reports; `docgen ids commands/command_ids.h` writes it anew. */
+ * Generated from the command table and the catalogue of reports;
+ * `docgen ids commands/command_ids.h` writes it anew. */
 
 /* clang-format off */
 enum {

@@ -193,7 +193,7 @@ void CommandIds(std::ostream& out) {
 
     out << "#ifndef AT_COMMANDS_COMMAND_IDS_H\n#define AT_COMMANDS_COMMAND_IDS_H\n\n"
            "/* The ids of all commands and reports, for usCmdID. Usable from C11 and C++.\n"
-           " * Generated from the command table and the catalogue of reports; `docgen ids "
+           " * Generated from the command table and the catalogue of reports;\n * `docgen ids "
            "commands/command_ids.h` writes it anew. */\n\n/* clang-format off */\nenum {\n";
     for (const auto& [id, meaning] : ids) {
         // Two names that differ in their first sign alone are told apart by it.
