@@ -132,6 +132,11 @@ struct Text {
     size_t room = 0;
     bool whole = true;
 
+    Text() = default;
+    Text(const Text&) = delete;
+    Text& operator=(const Text&) = delete;
+    ~Text() { free(bytes); }
+
     void Append(const char* added, size_t count) {
         if (room - length < count) {
             const size_t wanted = 2 * (length + count);
@@ -176,7 +181,7 @@ int List() {
         fputs("cfgctl: no memory for the list; free some and try again\n", stderr);
         return kNoStore;
     }
-    fwrite(out.bytes, 1, out.length, stdout);
+    if (out.length > 0) fwrite(out.bytes, 1, out.length, stdout);
     return Written();
 }
 
