@@ -34,7 +34,9 @@ int Parse_CGDCONT_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine) {
     }
     PreProc_Res_ParaLineEx(pResLine->strResParas);
     AT_LOG(LOG_INFO, "Parse_Cgdcont_Res pResLine->strResParas=%s\n", pResLine->strResParas);
-    const char* last = strrchr(pResLine->strResParas, ';');
+    const char* last = nullptr;
+    for (const char* next = pResLine->strResParas; (next = Find_Sub_Str(next, ";")) != nullptr; ++next)
+        last = next;
     if (last != nullptr) {
         const char number[] = {last[1], '\0'};
         cfg_set("apn_profile_num", number);

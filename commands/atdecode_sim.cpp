@@ -4,6 +4,7 @@
 #include "commands/row_codec.h"
 #include "commands/rows_sim.h"
 #include "platform/log.h"
+#include "text/atpublic.h"
 
 static constexpr char kLogSource[] = "atdecode";
 
@@ -23,7 +24,7 @@ int Parse_CPIN_V_Res(_BK_AT_RES_T* pRes, AT_RES_LINE_T* pResLine) {
     if (pRes->ucCmdType == AT_CMD_TYPE_READ) {
         char* text = pResLine->strResParas;
         AT_LOG(LOG_INFO, "=====pResLine->strResParas=%s", text);
-        const char* numbers = strstr(text, "READY");
+        const char* numbers = Find_Sub_Str(text, "READY");
         if (numbers != nullptr) {
             numbers += sizeof "READY" - 1;
         } else {

@@ -193,6 +193,7 @@ DECODE_VECTOR(0x060E, CpinV, ReadGivesFiveCounters) {
         EXPECT_EQ(Decode(0x060E, READ, "READY").Record(), Integers({0, 0, 0, 0, 0}));
         EXPECT_EQ(Decode(0x060E, READ, "SIM PUK,").Record(), Integers({0, 0, 0, 0, 0}));
         EXPECT_EQ(Decode(0x060E, READ, "1,2,NOT READY 7,8").Record(), Integers({7, 8, 0, 0, 0}));
+        EXPECT_EQ(Decode(0x060E, READ, "\"READY\",1,10,3,9,2").Record(), Integers({1, 10, 3, 9, 2}));
         EXPECT_EQ(Decode(0x060E, READ, "READY,1,2,3,4,5,6").paras[20], '\xa5');
     }
 }
