@@ -13,9 +13,11 @@ namespace {
 constexpr size_t kLogTextSize = 1024;
 
 const AnswerSpec* AnswerFor(uint8_t type, const DecodeSpec& spec) {
-    if (type >= 8) return nullptr;
+    // A request of a type that there is not is refused, but stays pending: what is served under every type,
+    // reports that come meanwhile, is served then, too.
+    const unsigned bit = type < 8 ? 1U << type : 1U;
     for (size_t i = 0; i < spec.answer_count; ++i)
-        if ((spec.answers[i].types >> type & 1) != 0) return &spec.answers[i];
+        if ((spec.answers[i].types & bit) != 0) return &spec.answers[i];
     return nullptr;
 }
 

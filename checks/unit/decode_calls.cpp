@@ -51,7 +51,7 @@ DECODE_VECTOR(0x0513, Clip, ReadsOneInteger) {
     }
 }
 DECODE_VECTOR(0x0413, Zvconnect, ReadsOneIntegerUnderEveryType) {
-    ExpectReadsOneInteger(0x0413, {0, EXEC, SET, READ, TEST_, 5});
+    ExpectReadsOneInteger(0x0413, {0, EXEC, SET, READ, TEST_, 5, 7, 8, 200});
     EXPECT_EQ(Decode(0x0413, 0, "\"1\"").Record(), Bytes().I32(0).data) << "raw";
 }
 
