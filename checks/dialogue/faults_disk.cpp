@@ -144,6 +144,17 @@ TEST_F(DiskFaults, ListThatDoesNotFitIsCutAndItsAnswerGoesOut) {
     EXPECT_TRUE(world_->log.WaitFor("write to Phonebak file OK, len=22004!"));
 }
 
+TEST_F(DiskFaults, ListReplacesAllThatItsFileHeld) {
+    for (const List& list : {kMessages, kPhonebook, kOperators, kCalls}) {
+        const int file = open(list.file, O_WRONLY | O_CREAT | O_CLOEXEC, 0666);
+        ASSERT_GE(file, 0) << list.file;
+        ASSERT_EQ(ftruncate(file, list.size + 1), 0);
+        close(file);
+        ExpectAnswer(list);
+        EXPECT_EQ(SizeOf(list.file), list.size) << list.file;
+    }
+}
+
 TEST_F(DiskFaults, ListsThatModulesCanDoWithoutAreAnsweredWithoutTheirFiles) {
     for (const char* file : {kOperators.file, kCalls.file, kUssdFile})
         ASSERT_EQ(mkdir(file, 0700), 0) << file;
