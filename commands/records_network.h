@@ -287,6 +287,14 @@ typedef struct {
     int32_t iRsrp;         /* signal power as the modem counts it */
     int32_t iQrxlevmin;    /* least power that the cell asks for, in the same unit */
 } AT_BGLTEPLMN_CELL_T;
+AT_ASSERT_LAYOUT(offsetof(AT_BGLTEPLMN_CELL_T, istat) == 0);
+AT_ASSERT_LAYOUT(offsetof(AT_BGLTEPLMN_CELL_T, lalpha_oper) == 4);
+AT_ASSERT_LAYOUT(offsetof(AT_BGLTEPLMN_CELL_T, salpha_oper) == 72);
+AT_ASSERT_LAYOUT(offsetof(AT_BGLTEPLMN_CELL_T, numeric_oper) == 92);
+AT_ASSERT_LAYOUT(offsetof(AT_BGLTEPLMN_CELL_T, net_type) == 104);
+AT_ASSERT_LAYOUT(offsetof(AT_BGLTEPLMN_CELL_T, sub_net_type) == 128);
+AT_ASSERT_LAYOUT(offsetof(AT_BGLTEPLMN_CELL_T, iRsrp) == 152);
+AT_ASSERT_LAYOUT(offsetof(AT_BGLTEPLMN_CELL_T, iQrxlevmin) == 156);
 AT_ASSERT_LAYOUT(sizeof(AT_BGLTEPLMN_CELL_T) == 160);
 
 /* The cells of a background LTE scan. */
@@ -294,6 +302,7 @@ typedef struct {
     int32_t count; /* 0..100 */
     AT_BGLTEPLMN_CELL_T cells[100];
 } AT_BGLTEPLMN_RES_PARA_T;
+AT_ASSERT_LAYOUT(offsetof(AT_BGLTEPLMN_RES_PARA_T, cells) == 4);
 AT_ASSERT_LAYOUT(sizeof(AT_BGLTEPLMN_RES_PARA_T) == 16004);
 
 #ifdef __cplusplus

@@ -73,6 +73,13 @@ TEST(Cgdcont, ReadOfOneLineLeavesTheStoreAlone) {
         EXPECT_EQ(Decode(0x0303, READ, text).length, 3564);
     EXPECT_TRUE(Platform().writes.empty());
 }
+TEST(Cgdcont, ReadDoesNotTakeASemicolonOfATextForTheEndOfALine) {
+    StartWith(kModule);
+    Decode(0x0303, READ, "1,\"IP\",\"a;b\"");
+    EXPECT_TRUE(Platform().writes.empty());
+    Decode(0x0303, READ, "1,\"IP\",\"x\";2,\"IP\",\"a;b\"");
+    EXPECT_EQ(Platform().Get("apn_profile_num"), "2");
+}
 TEST(Cgdcont, ReadTakesOneCharacterOnly) {
     StartWith(kModule);
     Decode(0x0303, READ, "1,\"IP\";12,\"IP\"");
@@ -308,7 +315,8 @@ TEST(Pin, ZgipdnsStopsAtTheFirstComma) {
         EXPECT_EQ(logged, 2) << "before and after the texts are restored";
     }
 }
-// Inside one quoted text commas and blanks survive: the only way to the other fields.
+// Inside one quoted text commas and blanks survive: the only way to the other fields. The gateway's text
+// takes what is left, unless the field ends before it.
 TEST(Zgipdns, CommasInsideQuotesAreRead) {
     StartWith(kModule);
     EXPECT_EQ(Decode(0x0627, 0, "\"1,2,g w\"").Record(),
@@ -317,4 +325,20 @@ TEST(Zgipdns, CommasInsideQuotesAreRead) {
     EXPECT_TRUE(LoggedPart("tPara.gateway=g w,"));
     EXPECT_EQ(Decode(0x0627, 0, "\"1,2," + std::string(70, 'g') + "\"").Record(),
               Bytes().I32(2).I32(1).Zeros(70).Text(std::string(59, 'g'), 60).Zeros(122).data);
+    // Each word as long as its field takes, so that the field's width ends it, then the comma.
+    const auto word = [](char letter, size_t length) { return std::string(length, letter); };
+    EXPECT_EQ(Decode(0x0627, 0,
+                     "\"1,2," + word('g', 59) + "," + word('a', 59) + "," + word('t', 9) + "," +
+                         word('p', 59) + "," + word('s', 59) + "\"")
+                  .Record(),
+              Bytes()
+                  .I32(2)
+                  .I32(1)
+                  .Text(word('t', 9), 10)
+                  .Text(word('a', 59), 60)
+                  .Text(word('g', 59), 60)
+                  .Text(word('p', 59), 60)
+                  .Text(word('s', 59), 60)
+                  .Zeros(2)
+                  .data);
 }

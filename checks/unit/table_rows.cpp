@@ -26,6 +26,31 @@ TEST(FindById, CimiIsTheFirstOfItsTwoRows) {
     ASSERT_EQ(Bk_Find_Cmd_By_Id(0x0111, &index), 0);
     EXPECT_EQ(index, 18);
     EXPECT_EQ(g_astAtCmdTable[77].usCmdID, 0x0111);
+    EXPECT_STREQ(g_astAtCmdTable[77].acCmdName, g_astAtCmdTable[18].acCmdName);
+}
+
+// Nothing finds the second one, but whoever walks the table may call it.
+TEST(Rows, BothRowsOfCimiDoTheSame) {
+    for (const uint8_t type : {EXEC, SET, READ, TEST_}) {
+        std::string lines[2];
+        _BK_AT_RES_T answers[2] = {};
+        for (int i = 0; i < 2; ++i) {
+            const AT_CMD_ITEM_T& row = g_astAtCmdTable[i == 0 ? 18 : 77];
+            _BK_AT_CMD_T request = {};
+            request.usCmdID = 0x0111;
+            request.ucCmdType = type;
+            AT_CMD_LINE_T line = {};
+            row.pfnMakeCmd(&line, &request);
+            lines[i] = line.strCmdParas;
+            AT_RES_LINE_T text = {};
+            strcpy(text.strResParas, "\"460001234567890\"");
+            answers[i].ucCmdType = type;
+            row.pfnParseRes(&answers[i], &text);
+        }
+        EXPECT_EQ(lines[0], lines[1]) << int{type};
+        EXPECT_EQ(memcmp(&answers[0], &answers[1], sizeof answers[0]), 0) << int{type};
+        EXPECT_EQ(answers[1].usParaLen, type == EXEC ? 36 : 0);
+    }
 }
 
 TEST(FindById, EveryIdIsFoundAndItsNeighboursAreNot) {
