@@ -49,17 +49,31 @@ class Parse : public testing::Test {
     static Parsed Of(const string& text, uint16_t id, uint8_t type = EXEC) {
         PendingRequest()->usCmdID = id;
         PendingRequest()->ucCmdType = type;
+        return Of(text, *PendingRequest());
+    }
+    static Parsed Of(const string& text, const _BK_AT_CMD_T& pending) {
         static MSG_BUF message;
         message = {};
         Parsed parsed{};
         parsed.is_last = kUntold;
-        parsed.returned = Bk_Parse_At_Res_Message(&message, &parsed.is_last, text.c_str(), PendingRequest());
+        parsed.returned = Bk_Parse_At_Res_Message(&message, &parsed.is_last, text.c_str(), &pending);
         parsed.message = message;
         memcpy(&parsed.res, message.aucDataBuf, sizeof parsed.res);
         parsed.text =
             string(reinterpret_cast<const char*>(parsed.res.aucParas),
                    strnlen(reinterpret_cast<const char*>(parsed.res.aucParas), sizeof parsed.res.aucParas));
         return parsed;
+    }
+    // Parsed as the answer to a request of this id and type, while the one in flight has `other_id` and
+    // `other_type`.
+    static Parsed OfGiven(const string& text, uint16_t id, uint8_t type, uint16_t other_id,
+                          uint8_t other_type) {
+        PendingRequest()->usCmdID = other_id;
+        PendingRequest()->ucCmdType = other_type;
+        _BK_AT_CMD_T given = {};
+        given.usCmdID = id;
+        given.ucCmdType = type;
+        return Of(text, given);
     }
     static void ExpectAddressedBack(const Parsed& parsed) {
         EXPECT_EQ(parsed.message.usTargetModuleID, kRequester);
@@ -91,6 +105,14 @@ TEST_F(Parse, NamedAnswerOfThePendingCommandIsLastAndDecoded) {
     EXPECT_EQ(parsed.res.usParaLen, 8);
     EXPECT_EQ(parsed.Bytes().substr(0, 8), Bytes().I32(20).I32(0).data);
     EXPECT_TRUE(Logged("the atResLine is 20,99", "atcode", 7));
+}
+
+// The decoder takes the quotes out of the text; the log shows what the modem sent.
+TEST_F(Parse, NamedAnswerIsLoggedAsItStandsBeforeItIsDecoded) {
+    const Parsed parsed = Of("\r\n+CREG: 2,1,\"1A2B\",\"00C3D4E5\"\r\n\r\nOK\r\n", 0x052D, READ);
+    EXPECT_EQ(parsed.is_last, 1);
+    EXPECT_EQ(parsed.Bytes().substr(0, 40), Bytes().I32(2).I32(1).Text("1A2B", 16).Text("00C3D4E5", 16).data);
+    EXPECT_TRUE(Logged("the atResLine is 2,1,\"1A2B\",\"00C3D4E5\"", "atcode", 7));
 }
 
 TEST_F(Parse, NamedAnswerIsDecodedWhateverItsResult) {
@@ -172,6 +194,45 @@ TEST_F(Parse, TextOfAUssdErrorArrivesTwice) {
     EXPECT_EQ(parsed.res.usParaLen, parsed.text.size());
     ASSERT_EQ(Queues().sent.size(), 1u);
     EXPECT_EQ(Queues().sent[0].key, 0x101C);
+}
+
+// The caller says which request is answered; the one in flight only says where the answer goes.
+TEST_F(Parse, UnnamedOkAnswersTheRequestThatWasGiven) {
+    const Parsed parsed = OfGiven("\r\n490154203237518\r\n\r\nOK\r\n", 0x0603, EXEC, 0x0116, SET);
+    EXPECT_EQ(parsed.returned, 0);
+    EXPECT_EQ(parsed.is_last, 1);
+    ExpectAddressedBack(parsed);
+    EXPECT_EQ(parsed.res.usCmdID, 0x0603);
+    EXPECT_EQ(parsed.res.ucCmdType, EXEC);
+    EXPECT_EQ(parsed.res.usParaLen, 32);  // by the row of +CGSN
+    EXPECT_EQ(parsed.text, "490154203237518");
+}
+
+TEST_F(Parse, UnnamedErrorAnswersTheRequestThatWasGiven) {
+    const Parsed parsed = OfGiven("\r\n+CME ERROR: 10\r\n", 0x0301, READ, 0x0116, SET);
+    EXPECT_EQ(parsed.returned, 0);
+    EXPECT_EQ(parsed.is_last, 1);
+    ExpectAddressedBack(parsed);
+    EXPECT_EQ(parsed.res.usCmdID, 0x0301);
+    EXPECT_EQ(parsed.res.ucCmdType, READ);
+    EXPECT_EQ(parsed.res.ucResult, 4);
+    EXPECT_EQ(parsed.text, "10");
+}
+
+TEST_F(Parse, NamedAnswerIsLastForTheRequestThatWasGiven) {
+    Parsed parsed = OfGiven("\r\n+CSQ: 20,99\r\n\r\nOK\r\n", 0x0604, EXEC, 0x0116, SET);
+    EXPECT_EQ(parsed.returned, 0);
+    EXPECT_EQ(parsed.is_last, 1);
+    ExpectAddressedBack(parsed);
+    EXPECT_EQ(parsed.res.usCmdID, 0x0604);
+    EXPECT_EQ(parsed.res.ucCmdType, EXEC);
+    EXPECT_EQ(parsed.Bytes().substr(0, 8), Bytes().I32(20).I32(0).data);
+
+    parsed = OfGiven("\r\n+CSQ: 20,99\r\n\r\nOK\r\n", 0x0116, SET, 0x0604, EXEC);
+    EXPECT_EQ(parsed.returned, 0);
+    EXPECT_EQ(parsed.is_last, 0);
+    EXPECT_EQ(parsed.res.usCmdID, 0x0604);
+    EXPECT_EQ(parsed.res.ucCmdType, SET);
 }
 
 TEST_F(Parse, AnotherCommandsNameIsAReport) {
