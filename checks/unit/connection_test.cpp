@@ -102,6 +102,13 @@ TEST_F(Connection, StateWithoutNumberIsDown) {
     ExpectState(0);
 }
 
+TEST_F(Connection, StateStandsBehindElevenCharactersWhateverTheyAre) {
+    EXPECT_EQ(on_recieve_at_process_zconstat("+ZCONSTAT:12"), 0);  // no blank: the 1 stands in its place
+    ExpectState(2);
+    EXPECT_EQ(on_recieve_at_process_zconstat("12345678901-3"), 0);
+    ExpectState(-3);
+}
+
 TEST_F(Connection, StateNullChangesNothing) {
     EXPECT_EQ(on_recieve_at_process_zconstat(nullptr), 1);
     ExpectNothingSent();
@@ -191,9 +198,11 @@ TEST_F(Connection, AddressesNullSendsNothing) {
 // --- cell measurement ------------------------------------------------------------------------------------
 
 TEST_F(Connection, CellMeasurementStoresThreeFieldsAndStopsTheReport) {
+    const uint32_t written = g_at_statistics.send;
     zemci_resolve("\r\n+ZEMCI: 0A1B2C,2,1F2E,4,5,6,7,8,9,10,-11,12\r\n");
     EXPECT_EQ(Platform().writes, (Writes{{"Z_CELL_ID", "0A1B2C"}, {"Z_LAC", "1F2E"}, {"Z_rsrq", "-11"}}));
     EXPECT_EQ(modem_.Written(), "AT+ZEMCI=0\r");
+    EXPECT_EQ(g_at_statistics.send, written + 1);  // a line as any other: it is counted
     EXPECT_TRUE(Logged("send AT+ZEMCI=0 over\n", "response"));
     EXPECT_TRUE(LoggedPart("zemci_resolve pStr is :\r\n+ZEMCI: 0A1B2C,"));
     ExpectNothingSent();
@@ -236,6 +245,7 @@ TEST_F(Connection, CellMeasurementIgnoresOtherText) {
     zemci_resolve("\r\n+ZEMC: 1,2,3,4,5,6,7,8,9,10,11,12\r\n");
     EXPECT_TRUE(Platform().writes.empty());
     EXPECT_EQ(modem_.Written(), "");
+    EXPECT_TRUE(Logged("zemci_resolve pStr is :\r\n+ZEMC: 1,2,3,4,5,6,7,8,9,10,11,12\r\n\n", "response"));
 }
 
 TEST_F(Connection, CellMeasurementNullIsLogged) {
@@ -250,8 +260,14 @@ TEST_F(Connection, ToolkitEndIsMarked) {
     EXPECT_EQ(stk_end_mark(), 0);
     EXPECT_EQ(Platform().writes, (Writes{{"stk", "ZEND"}, {"stk_write_flag", "0"}}));
     EXPECT_TRUE(Logged("stk=ZEND", "response"));
+}
+
+TEST_F(Connection, ToolkitEndThatCannotBeStoredLogsWhatIs) {
+    Platform().config["stk"] = "ZMENU";
     Platform().fail_writes = true;
     EXPECT_EQ(stk_end_mark(), -1);
+    EXPECT_TRUE(Logged("stk=ZMENU", "response"));
+    EXPECT_FALSE(LoggedPart("ZEND"));
 }
 
 }  // namespace

@@ -100,6 +100,7 @@ TEST_F(Routing, AfterACcfcAnswerEveryReportIsAFurtherLine) {
     ExpectForward("+CCFC: 1,1,\"123\",129", kCall, 0x052B, 2);
     ExpectForward("+CREG: 1", kCall, 0x052B, 2);
     ExpectForward("", kCall, 0x052B, 2);
+    EXPECT_TRUE(Logged("resolve_auto_report:: the auto report is :RING", "response"));
     EXPECT_TRUE(Logged("---.>>>>>>>>>>g_last_atcmd == AT_CCFC_CMD", "response"));
     Pending(0x0108, CmgsParas(1, "AA"));
     ExpectForward("> ", kCall, 0x052B, 2);
@@ -111,6 +112,7 @@ TEST_F(Routing, AfterACcwaAnswerEveryReportIsAFurtherLine) {
     g_last_atcmd = 0x052C;
     ExpectForward("CONNECT", kCall, 0x052C, 2);
     ExpectForward("+CCWA: 1,1", kCall, 0x052C, 2);
+    EXPECT_TRUE(Logged("resolve_auto_report:: the auto report is :CONNECT", "response"));
     EXPECT_TRUE(Logged("---.>>>>>>>>>>g_last_atcmd == AT_CCWA_CMD", "response"));
 }
 
@@ -127,6 +129,13 @@ TEST_F(Routing, ZrefreshCarriesFileIdAndText) {
     ExpectRecord("+ZREFRESH: \"6F07\",\"abc\"", kSms, 0x011A, 1,
                  ReportBytes().Text("6F07", 36).Text("abc", 36));
     ExpectRecord("ZREFRESH: 1 2", kSms, 0x011A, 1, ReportBytes().Text("1", 36).Text("2", 36));
+}
+
+TEST_F(Routing, ZrefreshKeepsTheMarkersOfItsTexts) {
+    ExpectRecord("ZREFRESH: \"\",\"x y\"", kSms, 0x011A, 1,
+                 ReportBytes().Text("\xFD", 36).Text("x\xFEy", 36));
+    ExpectRecord("ZREFRESH: \"x y\",\"\"", kSms, 0x011A, 1,
+                 ReportBytes().Text("x\xFEy", 36).Text("\xFD", 36));
 }
 
 TEST_F(Routing, ZrefreshTextsAreCutAt32Characters) {
@@ -293,12 +302,33 @@ TEST_F(Routing, KnownReportIsNeverThePrompt) {
     EXPECT_TRUE(Idle());
 }
 
-TEST_F(Routing, PromptThatCannotBeAnsweredIsLogged) {
+TEST_F(Routing, MessageTextIsNoLineThatIsCounted) {
+    const uint32_t written = g_at_statistics.send;
     Pending(0x0108, CmgsParas(1, "AA"));
-    modem_.Break();
     Route("> ");
-    EXPECT_TRUE(Logged("[error]:Send AT command Error!error code:42505", "at_server"));
-    EXPECT_FALSE(Idle());
+    EXPECT_EQ(modem_.Written(), "AA\x1A");
+    Pending(0x010A, CmgwParas(1, 0, "BB"));
+    Route("> ");
+    EXPECT_EQ(modem_.Written(), "BB\x1A");
+    EXPECT_EQ(g_at_statistics.send, written);
+}
+
+TEST_F(Routing, PromptThatCannotBeAnsweredIsLoggedAndThePortStaysOpen) {
+    modem_.Break();
+    g_at_processing = 5;
+    for (const auto& [id, paras] :
+         {std::pair{uint16_t{0x0108}, CmgsParas(1, "AA")}, {uint16_t{0x010A}, CmgwParas(1, 0, "AA")}}) {
+        ClearLog();
+        Platform().config["port_stat"] = "port_open";
+        Pending(id, paras);
+        Route("> ");
+        EXPECT_TRUE(Logged("[error]:Send AT command Error!error code:42505", "at_server"));
+        EXPECT_EQ(Platform().Get("port_stat"), "port_open");
+        EXPECT_TRUE(Platform().writes.empty());
+        EXPECT_EQ(g_at_processing, 5U);  // the request that sends the message is still being served
+        EXPECT_FALSE(Idle());
+    }
+    g_at_processing = 0;
 }
 
 // --- rows 8 to 22: calls ---------------------------------------------------------------------------------
