@@ -150,6 +150,9 @@ TEST(Findnum, UnclosedQuoteGivesZero) {
     char number[32] = {};
     findnum("+CLIP: \"+44", number);
     EXPECT_STREQ(number, "0");
+    char before[32] = "123456";  // no terminator here either
+    EXPECT_EQ(findnum("+CLIP: \"+44", before), before);
+    EXPECT_STREQ(before, "023456");
 }
 
 TEST(Findnum, NoQuoteLeavesTheDestination) {

@@ -167,6 +167,25 @@ TEST_F(AtTest, StepsAreLogged) {
                      }));
 }
 
+TEST_F(AtTest, TypeOfARequestInTheListIsLoggedByItsName) {
+    struct {
+        uint8_t type;
+        const char* line;
+    } const types[] = {
+        {AT_CMD_TYPE_EXEC, "AT_CMD_TYPE_EXEC======\n"},
+        {AT_CMD_TYPE_SET, "AT_CMD_TYPE_SET======\n"},
+        {AT_CMD_TYPE_READ, "AT_CMD_TYPE_READ======\n"},
+        {AT_CMD_TYPE_TEST, "AT_CMD_TYPE_TEST======\n"},
+    };
+    for (const auto& requested : types) {
+        ClearLog();
+        Pending(0x0509, requested.type);
+        Run();
+        for (const auto& named : types)
+            EXPECT_EQ(Logged(named.line, "attest", LOG_DEBUG), named.type == requested.type) << named.line;
+    }
+}
+
 TEST_F(AtTest, EveryAnswerOfTheList) {
     struct {
         uint16_t id;
@@ -309,6 +328,28 @@ TEST_F(AtTest, FileAnswersTheLastLine) {
     EXPECT_EQ(g_at_test_progress.next_builtin, 0);
 }
 
+TEST_F(AtTest, MissingReportCountIsNotLogged) {
+    Ini("[AT_TEST]\nAT_ITEM_REQUEST_NUM=1\n[REQUESTRES]\nAT_ITEM1=AT+CSQ::OK\\r\\n\n");
+    Line("AT+CSQ\r");
+    EXPECT_EQ(Run(), "OK\r\n");
+    std::vector<std::string> texts;
+    for (const LogLine& line : LoggedLines()) {
+        EXPECT_EQ(line.module, "attest");
+        EXPECT_EQ(line.level, LOG_DEBUG);
+        texts.push_back(line.text);
+    }
+    EXPECT_EQ(texts, (std::vector<std::string>{
+                         "MakeAtResponse  On\n",
+                         "====================BEGIN==================!\n",
+                         "Open AT_Test.ini file success and make AT Res from ini file!\n",
+                         ">>>>>>Request Num:1<<<<<<\n",
+                         "Find the request at response!\n",
+                         "Resqust str=OK\r\n\n",
+                         "No auto response cat\n",
+                         "=====================END=====================!\n",
+                     }));
+}
+
 TEST_F(AtTest, FileIsReadAnewForEachChunk) {
     Line("AT\r");
     Ini("[AT_TEST]\nAT_ITEM_REQUEST_NUM=1\n[REQUESTRES]\nAT_ITEM1=AT::one\n");
@@ -363,6 +404,9 @@ TEST_F(AtTest, NoRequestCount) {
     EXPECT_EQ(Run(), kReceived);
     EXPECT_TRUE(Logged("find the AT_ITEM_REQUEST_NUM key error\n", "attest", LOG_ERR));
     EXPECT_TRUE(Logged("No Resqust be found!\n", "attest", LOG_DEBUG));
+    EXPECT_FALSE(LoggedPart("Request Num"));
+    EXPECT_FALSE(LoggedPart("Auto Num"));
+    EXPECT_FALSE(LoggedPart("AT_ITEM_AUTO_NUM"));
 }
 
 TEST_F(AtTest, CountThatIsTooLargeIsClamped) {

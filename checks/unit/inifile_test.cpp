@@ -95,6 +95,16 @@ TEST_F(IniFile, SectionEndsAtTheNextBracketLine) {
 TEST_F(IniFile, SectionNameInsideAnotherLineStartsTheSectionThere) {
     Open("[A]\na=see [B] below\nb=1\n[B]\nb=2\n");
     EXPECT_EQ(Value("B", "b"), "1\n\n");
+    // but it ends none
+    EXPECT_EQ(Value("A", "a"), "see [B] below\n\n");
+    EXPECT_EQ(Value("A", "b"), "1\n\n");
+}
+
+TEST_F(IniFile, OnlyALineThatBeginsWithABracketEndsTheSection) {
+    Open("[A]\na=[1]\n [B]\nb]=2\nc=3\n[\nd=4\n");
+    EXPECT_EQ(Value("A", "a"), "[1]\n\n");
+    EXPECT_EQ(Value("A", "c"), "3\n\n");
+    EXPECT_EQ(Value("A", "d"), "(none)");
 }
 
 TEST_F(IniFile, SectionNameIsCaseSensitiveAndWhole) {
