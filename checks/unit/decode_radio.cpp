@@ -98,7 +98,6 @@ TEST(Pin, BandStopsAtTheFirstComma) {
     }
 }
 
-// Inside one quoted text the comma survives: the only way to the description.
 // ---- locks
 // -------------------------------------------------------------------------------------------
 
