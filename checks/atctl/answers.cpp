@@ -474,6 +474,44 @@ TEST(Show, HasFieldsLinesAndAnswers) {
               "    0       32    text  status  READY, SIM PIN, SIM PUK, ...\n");
 }
 
+namespace {
+
+std::string Shown(const std::string& name) {
+    std::ostringstream out;
+    PrintCommand(out, Look(), FindCommand(name));
+    return out.str();
+}
+
+bool Has(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
+}
+
+}  // namespace
+
+TEST(Show, TextIsTheAnswerToTheFormsThatTakeIt) {
+    const std::string menu = Shown("+ZSTM");
+    EXPECT_TRUE(Has(menu,
+                    "                        gives text\n"
+                    "  set       AT+ZSTM=\n"
+                    "  read      AT+ZSTM?\n"
+                    "  test      AT+ZSTM=?\n"))
+        << menu;
+    EXPECT_TRUE(menu.ends_with("\nanswer to execute: the modem's text\n")) << menu;
+    EXPECT_TRUE(Shown("+ZBK").ends_with("\nanswer to every form: the modem's text\n"));
+    EXPECT_TRUE(Shown("+ZDIST").ends_with("\nreport: the modem's text\n"));
+
+    using Array = nlohmann::ordered_json;
+    const auto json = CommandJson(FindCommand("+ZSTM"));
+    EXPECT_EQ(json["answers"], Array::parse(R"([{"types": ["execute"], "text": true}])"));
+    EXPECT_TRUE(json["types"]["execute"].contains("text"));
+    EXPECT_FALSE(json["types"]["read"].contains("text"));
+    EXPECT_EQ(CommandJson(FindCommand("+ZBK"))["answers"][0]["types"].size(), 4U);
+}
+
+TEST(Show, AReportIsNoAnswerToAnything) {
+    EXPECT_TRUE(Has(Shown("+CMTI"), "\nreport: AT_CMTI_NOTIFY_RES_PARA_T, "));
+}
+
 TEST(Show, EveryRowHasADescriptionInBothForms) {
     for (const Row& row : Commands()) {
         std::ostringstream out;

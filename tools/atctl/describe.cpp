@@ -39,6 +39,16 @@ size_t AnswerLength(const Answer& answer) {
     return answer.record == nullptr ? 0 : answer.record->size;
 }
 
+// The forms that are answered with the modem's text.
+Types TextTypes(const Row& row) {
+    if (row.decode.kind != DecodeKind::text) return 0;
+    return row.decode.answers[0].types != 0 ? row.decode.answers[0].types : kEveryType;
+}
+
+bool GivesText(const Row& row, uint8_t type) {
+    return (TextTypes(row) & (1U << type)) != 0;
+}
+
 // The line with the fields' names in the place of the values.
 std::string LineText(const Row& row, const Form& form) {
     std::string line = std::string("AT") + row.name + "=";
@@ -93,7 +103,7 @@ std::string Cell(const Row& row, uint8_t type) {
     if (const Record* record = RequestRecord(row, type)) cell = std::to_string(record->size);
     if (TakesNumber(row, type)) cell = "number";
     std::string gives;
-    if (row.decode.kind == DecodeKind::text) gives = "text";
+    if (GivesText(row, type)) gives = "text";
     if (const Answer* answer = AnswerOf(row, type); answer != nullptr && answer->record != nullptr)
         gives = answer->file != nullptr ? "file" : std::to_string(AnswerLength(*answer));
     if (!gives.empty()) cell += (cell.empty() ? "> " : " > ") + gives;
@@ -107,7 +117,7 @@ std::string Exchange(const Row& row, uint8_t type) {
         parts.push_back("takes " + Number(record->size, "byte", "bytes"));
     if (TakesNumber(row, type)) parts.emplace_back("takes a telephone number");
     const Answer* answer = AnswerOf(row, type);
-    if (row.decode.kind == DecodeKind::text) parts.emplace_back("gives text");
+    if (GivesText(row, type)) parts.emplace_back("gives text");
     if (answer != nullptr && answer->file != nullptr)
         parts.emplace_back("gives a file");
     else if (answer != nullptr && answer->record != nullptr)
@@ -133,22 +143,34 @@ void PrintRecord(std::ostream& out, const Look& look, const Record& record, cons
     PrintRecord(out, look, *record.entry, nullptr);
 }
 
-std::string TypesText(Types types) {
+std::vector<std::string> TypeNames(Types types) {
     std::vector<std::string> names;
     for (const uint8_t type : kTypes)
         if ((types & (1U << type)) != 0) names.emplace_back(TypeName(type));
+    return names;
+}
+
+std::string TypesText(Types types) {
+    const std::vector<std::string> names = TypeNames(types);
     return names.size() == std::size(kTypes) ? "every form" : Join(names, ", ");
 }
 
 void PrintAnswers(std::ostream& out, const Look& look, const Row& row) {
     const bool own = row.decode.kind == DecodeKind::answers || row.decode.kind == DecodeKind::custom;
     const char* const what = ReportOnly(row) ? "report" : "answer";
-    if (row.decode.kind == DecodeKind::text) out << "\n" << what << ": the modem's text\n";
+    const auto head = [&](Types types) {
+        out << "\n" << what;
+        if (!ReportOnly(row)) out << " to " << TypesText(types);
+    };
+    if (row.decode.kind == DecodeKind::text) {
+        head(TextTypes(row));
+        out << ": the modem's text\n";
+    }
     if (row.decode.kind == DecodeKind::none) out << "\n" << what << ": the result alone\n";
     if (!own) return;
     for (const Answer& answer : row.decode.answers) {
         if (answer.types == 0) continue;
-        out << "\n" << what << " to " << TypesText(answer.types);
+        head(answer.types);
         if (answer.record == nullptr) {
             out << ": the result alone\n";
             continue;
@@ -198,7 +220,7 @@ Json TypesJson(const Row& row) {
         if (TakesNumber(row, type)) one["number"] = true;
         const Answer* answer = AnswerOf(row, type);
         one["answer"] = answer == nullptr ? 0 : AnswerLength(*answer);
-        if (row.decode.kind == DecodeKind::text) one["text"] = true;
+        if (GivesText(row, type)) one["text"] = true;
         if (answer != nullptr && answer->file != nullptr) one["file"] = answer->file;
         types[TypeName(type)] = std::move(one);
     }
@@ -341,12 +363,11 @@ Json CommandJson(const Row& row) {
                     {{"format", form.format}, {"line", LineText(row, form)}, {"when", ConditionText(form)}});
     }
     json["answers"] = Json::array();
+    if (row.decode.kind == DecodeKind::text)
+        json["answers"].push_back({{"types", TypeNames(TextTypes(row))}, {"text", true}});
     for (const Answer& answer : row.decode.answers) {
-        if (answer.types == 0) continue;
-        Json one = {{"types", Json::array()}};
-        for (const uint8_t type : kTypes)
-            if ((answer.types & (1U << type)) != 0) one["types"].push_back(TypeName(type));
-        one["length"] = AnswerLength(answer);
+        if (answer.types == 0 || row.decode.kind == DecodeKind::text) continue;
+        Json one = {{"types", TypeNames(answer.types)}, {"length", AnswerLength(answer)}};
         if (answer.carried != 0) one["carried"] = answer.carried;
         if (answer.file != nullptr) one["file"] = answer.file;
         if (answer.record != nullptr) one.update(RecordJson(*answer.record, nullptr));

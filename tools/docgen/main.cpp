@@ -80,8 +80,6 @@ void Command(std::ostream& out, const Row& row) {
     }
     if (!report && command["types"]["execute"].contains("number"))
         out << "\n**Request with execute**: a telephone number.\n";
-    if (row.decode.kind == DecodeKind::text)
-        out << "\n**" << (report ? "Report" : "Answer") << "**: the modem's text.\n";
     for (const Json& answer : command["answers"]) {
         out << "\n**" << (report ? "Report" : "Answer");
         if (!report) {
@@ -90,7 +88,7 @@ void Command(std::ostream& out, const Row& row) {
         }
         out << "**: ";
         if (!answer.contains("record")) {
-            out << "the result alone.\n";
+            out << (answer.contains("text") ? "the modem's text.\n" : "the result alone.\n");
             continue;
         }
         out << "`" << answer["record"].get<std::string>() << "`, " << Bytes(answer["size"]);
