@@ -189,7 +189,8 @@ struct Log {
     Args args = {};  // fields of the decoded record
 };
 
-// What one set of types is answered with. Without a record: length 0. With a record but no format: zeros.
+// What one set of types is answered with. Without a record: length 0, or a stated one that tells of bytes
+// which do not travel. With a record but no format: zeros.
 struct Answer {
     Types types = 0;
     Optional<const Record*> record = {};
@@ -198,6 +199,7 @@ struct Answer {
     Args args = {};
     bool result_test = false;  // "OK": length 2; "retry operation", "network rejected request": nothing
     uint16_t length = 0;       // usParaLen where it is not the record's size
+    bool told_as_0 = false;    // the record travels, but usParaLen does not count it; for people alone
     uint16_t carried = 0;      // bytes that travel where the record is larger than a message
     Optional<const char*> log_text = {};  // before scanning; "%s" is the text that is scanned
     Log log = {};                         // behind decoding

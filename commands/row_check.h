@@ -108,8 +108,9 @@ constexpr unsigned DecodeFaults(const DecodeSide& decode) {
             continue;
         }
         if ((served & answer.types) != 0 && decode.kind != DecodeKind::custom) faults |= kFaultTypes;
-        if ((answer.file != nullptr || answer.carried != 0) && decode.kind != DecodeKind::custom)
-            faults |= kFaultKind;
+        const bool by_hand = answer.file != nullptr || answer.carried != 0 || answer.told_as_0;
+        if (by_hand && decode.kind != DecodeKind::custom) faults |= kFaultKind;
+        if (answer.told_as_0 && (answer.record == nullptr || answer.length != 0)) faults |= kFaultKind;
         served |= answer.types;
         faults |= AnswerFaults(answer);
     }

@@ -60,7 +60,7 @@ inline constexpr Row kPhonebookRows[] = {
      .title = "phonebook storage",
      .encode = {.kind = EncodeKind::record, .record = &kCpbsSetPara, .forms = {{"\"%s\""}}},
      .decode = {.kind = DecodeKind::custom,
-                .answers = {{.types = kSet}, {.types = kRead, .record = &kCpbsReadRes}},
+                .answers = {{.types = kSet}, {.types = kRead, .record = &kCpbsReadRes, .told_as_0 = true}},
                 .function = Parse_CPBS_Res}},
     {.position = 60,
      .id = 0x0202,

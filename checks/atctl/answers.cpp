@@ -508,6 +508,25 @@ TEST(Show, TextIsTheAnswerToTheFormsThatTakeIt) {
     EXPECT_EQ(CommandJson(FindCommand("+ZBK"))["answers"][0]["types"].size(), 4U);
 }
 
+TEST(Show, TellsLengthsThatAreNotTheRecords) {
+    const std::string contexts = Shown("+CGDCONT");
+    EXPECT_TRUE(Has(contexts, "tells 3564 bytes that do not travel\n")) << contexts;
+    EXPECT_TRUE(Has(contexts, "\nanswer to set: the result alone\n")) << contexts;
+    EXPECT_TRUE(Has(contexts, "\nanswer to read: the result, told as 3564 bytes that do not travel\n"))
+        << contexts;
+    const auto context = CommandJson(FindCommand("+CGDCONT"))["answers"][1];
+    EXPECT_EQ(context["length"], 3564);
+    EXPECT_FALSE(context.contains("record"));
+
+    const std::string storage = Shown("+CPBS");
+    EXPECT_TRUE(Has(storage, "gives 15 bytes, told as 0\n")) << storage;
+    EXPECT_TRUE(Has(storage, "\nanswer to read: AT_CPBS_READ_RES_PARA_T, 15 bytes, told as 0\n")) << storage;
+    EXPECT_EQ(CommandJson(FindCommand("+CPBS"))["answers"][1]["length"], 0);
+    EXPECT_EQ(CommandJson(FindCommand("+CPBS"))["answers"][1]["size"], 15);
+
+    EXPECT_TRUE(Has(Shown("+CGATT"), "\nanswer to read: AT_CGATT_READ_RES_PARA_T, 12 bytes, told as 4\n"));
+}
+
 TEST(Show, AReportIsNoAnswerToAnything) {
     EXPECT_TRUE(Has(Shown("+CMTI"), "\nreport: AT_CMTI_NOTIFY_RES_PARA_T, "));
 }

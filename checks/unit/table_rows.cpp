@@ -156,6 +156,7 @@ TEST(RowCheck, RefusesEachFault) {
     EXPECT_EQ(FaultsAfter([](Row& row) { row.encode.forms[0].format = "%d,%u"; }), kFaultPrintFormat);
     EXPECT_EQ(FaultsAfter([](Row& row) { row.encode.kind = EncodeKind::custom; }), kFaultKind);
     EXPECT_EQ(FaultsAfter([](Row& row) { row.encode.kind = EncodeKind::copy; }), kFaultKind);
+    EXPECT_EQ(FaultsAfter([](Row& row) { row.decode.answers[0].told_as_0 = true; }), kFaultKind);
     EXPECT_EQ(FaultsAfter([](Row& row) { row.decode.answers[0].format = "%d %8s"; }), kFaultScanFormat);
     EXPECT_EQ(FaultsAfter([](Row& row) { row.decode.answers[0].format = "%d %s"; }), kFaultScanFormat);
     EXPECT_EQ(FaultsAfter([](Row& row) { row.decode.answers[0].format = "%7s %d"; }), kFaultScanFormat);

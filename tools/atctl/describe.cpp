@@ -35,8 +35,14 @@ std::string TypeText(FieldType type) {
 
 // Bytes that an answer tells; the whole record where it is in a file.
 size_t AnswerLength(const Answer& answer) {
+    if (answer.told_as_0) return 0;
     if (answer.length != 0) return answer.length;
     return answer.record == nullptr ? 0 : answer.record->size;
+}
+
+// Bytes that a form gives to those who read it.
+size_t BytesGiven(const Answer& answer) {
+    return answer.told_as_0 ? answer.record->size : AnswerLength(answer);
 }
 
 // The forms that are answered with the modem's text.
@@ -105,7 +111,7 @@ std::string Cell(const Row& row, uint8_t type) {
     std::string gives;
     if (GivesText(row, type)) gives = "text";
     if (const Answer* answer = AnswerOf(row, type); answer != nullptr && answer->record != nullptr)
-        gives = answer->file != nullptr ? "file" : std::to_string(AnswerLength(*answer));
+        gives = answer->file != nullptr ? "file" : std::to_string(BytesGiven(*answer));
     if (!gives.empty()) cell += (cell.empty() ? "> " : " > ") + gives;
     return cell.empty() ? "-" : cell;
 }
@@ -121,7 +127,10 @@ std::string Exchange(const Row& row, uint8_t type) {
     if (answer != nullptr && answer->file != nullptr)
         parts.emplace_back("gives a file");
     else if (answer != nullptr && answer->record != nullptr)
-        parts.push_back("gives " + Number(AnswerLength(*answer), "byte", "bytes"));
+        parts.push_back("gives " + Number(BytesGiven(*answer), "byte", "bytes") +
+                        (answer->told_as_0 ? ", told as 0" : ""));
+    else if (answer != nullptr && answer->length != 0)
+        parts.push_back("tells " + Number(answer->length, "byte", "bytes") + " that do not travel");
     return Join(parts, ", ");
 }
 
@@ -172,7 +181,11 @@ void PrintAnswers(std::ostream& out, const Look& look, const Row& row) {
         if (answer.types == 0) continue;
         head(answer.types);
         if (answer.record == nullptr) {
-            out << ": the result alone\n";
+            if (answer.length == 0)
+                out << ": the result alone\n";
+            else
+                out << ": the result, told as " << Number(answer.length, "byte", "bytes")
+                    << " that do not travel\n";
             continue;
         }
         out << ": " << answer.record->name << ", " << Number(answer.record->size, "byte", "bytes");

@@ -88,7 +88,12 @@ void Command(std::ostream& out, const Row& row) {
         }
         out << "**: ";
         if (!answer.contains("record")) {
-            out << (answer.contains("text") ? "the modem's text.\n" : "the result alone.\n");
+            if (answer.contains("text"))
+                out << "the modem's text.\n";
+            else if (answer["length"] == 0)
+                out << "the result alone.\n";
+            else
+                out << "the result, told as " << Bytes(answer["length"]) << " that do not travel.\n";
             continue;
         }
         out << "`" << answer["record"].get<std::string>() << "`, " << Bytes(answer["size"]);
