@@ -204,6 +204,7 @@ struct Answer {
     Optional<const char*> log_text = {};  // before scanning; "%s" is the text that is scanned
     Log log = {};                         // behind decoding
     Optional<const char*> file = {};      // the record travels in this file, not in the message
+    const char* note = "";                // what else people have to know of it
 };
 
 enum class DecodeKind : uint8_t {
@@ -228,6 +229,7 @@ struct Row {
     uint16_t id = 0;
     const char* name = nullptr;
     const char* title = "";  // a few words for people
+    const char* note = "";   // what else they have to know of it
     EncodeSide encode = {};
     DecodeSide decode = {};
 };

@@ -388,7 +388,13 @@ inline constexpr Row kNetworkRows[] = {
      .encode = kNoParameters,
      .decode =
          {.kind = DecodeKind::answers,
-          .answers = {{.types = kEveryType, .record = &kZnitzRes, .format = "%d,%d,%d,%d,%d,%d,%d,%d"}}}},
+          .answers = {{.types = kEveryType,
+                       .record =
+                           &kZnitzRes,
+                       .format =
+                           "%d,%d,%d,%d,%d,%d,%d,%d",
+                       .note = "zeros while data_card_mode is KVX_LTE or KVX_WCDMA: there the line goes out "
+                               "as a report"}}}},
 };
 
 #endif

@@ -165,12 +165,19 @@ inline constexpr Row kRadioRows[] = {
      .title = "band lock",
      .encode = {.kind = EncodeKind::copy, .record = &kZlockbandSetPara, .forms = {{"%s"}}},
      .decode = {.kind = DecodeKind::custom,
-                .answers = {{.types = kSet | kRead, .record = &kZlockbandSetRes, .format = "%d"}},
+                .answers = {{.types = kSet | kRead,
+                             .record = &kZlockbandSetRes,
+                             .format = "%d",
+                             .note = "while bandmode is 2 a set is answered without the record; with "
+                                     "data_card_mode KVX_LTE or KVX_WCDMA by the text of the line, and a "
+                                     "read by 0"}},
                 .function = Parse_ZLOCKBAND_Res}},
     {.position = 119,
      .id = 0x0619,
      .name = "+ZLOCKF",
      .title = "frequency lock",
+     .note = "while bandmode is 4 the second text is not sent, and with data_card_mode KVX_LTE or KVX_WCDMA "
+             "the answers are zeros",
      .encode = {.kind = EncodeKind::custom,
                 .record = &kZlockfSetPara,
                 .forms = {{.format = "%s", .when = {{"text", Test::absent}}}, {"%s,%s"}},

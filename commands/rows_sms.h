@@ -167,7 +167,9 @@ inline constexpr Row kSmsRows[] = {
                              .record = &kCmglSetRes,
                              .from = From::normalised,
                              .format = "%d %d %260s %d %355s",
-                             .file = kSmsListFile}},
+                             .file = kSmsListFile,
+                             .note = "when a line has less than two commas the answer has no record and the "
+                                     "file stays as it was"}},
                 .function = Parse_Cmgl_Res}},
     {.position = 50,
      .id = 0x0107,
@@ -243,7 +245,9 @@ inline constexpr Row kSmsRows[] = {
                 .answers = {{.types = kRead,
                              .record = &kZvmailReadRes,
                              .format = "%d",
-                             .log = {"AT_ZVMAIL_READ:tPara.flag=%d"}}}}},
+                             .log = {"AT_ZVMAIL_READ:tPara.flag=%d"},
+                             .note = "0 while data_card_mode is KVX_LTE or KVX_WCDMA: there the line goes "
+                                     "out as a report"}}}},
     {.position = 58,
      .id = 0x0521,
      .name = "+ZCLAS",

@@ -132,6 +132,7 @@ inline constexpr Row kToolkitRows[] = {
      .id = 0x070F,
      .name = "+ZUnsupport",
      .title = "proactive command that the modem does not know",
+     .note = "it is reported as +ZFDIST",
      .encode = kReportOnly,
      .decode = kResultOnly},
     {.position = 171,

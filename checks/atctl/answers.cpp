@@ -527,6 +527,47 @@ TEST(Show, TellsLengthsThatAreNotTheRecords) {
     EXPECT_TRUE(Has(Shown("+CGATT"), "\nanswer to read: AT_CGATT_READ_RES_PARA_T, 12 bytes, told as 4\n"));
 }
 
+TEST(Show, HasNotes) {
+    const std::string locks = Shown("+CLCK");
+    EXPECT_TRUE(
+        Has(locks,
+            "\nanswer to set: AT_CLCK_SET_RES_PARA_T, 8 bytes\n"
+            "  note  after OK alone, as a set that is no query has it, the answer is that text, 2 bytes\n"
+            "    offset "))
+        << locks;
+    EXPECT_TRUE(Has(Shown("+CGDCONT"), " do not travel\n  note  the number of the last context goes to "));
+    EXPECT_TRUE(Has(Shown("+ZLOCKF"), "\n  note      while bandmode is 4 "));
+    EXPECT_FALSE(Has(Shown("+CSQ"), "note"));
+
+    const auto note = [](const nlohmann::ordered_json& of) { return of["note"].get<std::string>(); };
+    const auto waiting = CommandJson(FindCommand("+CCWA"))["answers"];
+    EXPECT_TRUE(note(waiting[0]).starts_with("after OK alone, ")) << waiting;
+    EXPECT_TRUE(note(waiting[0])
+                    .ends_with("; a line with a blank behind its colon goes out as a report, and "
+                               "the answer is the OK"))
+        << waiting;
+    EXPECT_FALSE(waiting[1].contains("note"));
+    EXPECT_TRUE(note(CommandJson(FindCommand("+ZLOCKF"))).starts_with("while bandmode is 4 "));
+    EXPECT_FALSE(CommandJson(FindCommand("+CSQ")).contains("note"));
+}
+
+// What decides by the text alone whether there is a record says so.
+TEST(Show, EveryAnswerThatMayBeOkAloneSaysSo) {
+    size_t told = 0;
+    for (const Row& row : Commands()) {
+        const auto json = CommandJson(row);
+        size_t at = 0;
+        for (const Answer& answer : row.decode.answers) {
+            if (answer.types == 0 || row.decode.kind == DecodeKind::text) continue;
+            const auto& one = json["answers"][at++];
+            if (!answer.result_test) continue;
+            EXPECT_TRUE(Has(one.value("note", ""), "2 bytes")) << row.name;
+            ++told;
+        }
+    }
+    EXPECT_EQ(told, 3U);
+}
+
 TEST(Show, AReportIsNoAnswerToAnything) {
     EXPECT_TRUE(Has(Shown("+CMTI"), "\nreport: AT_CMTI_NOTIFY_RES_PARA_T, "));
 }

@@ -152,6 +152,16 @@ void PrintRecord(std::ostream& out, const Look& look, const Record& record, cons
     PrintRecord(out, look, *record.entry, nullptr);
 }
 
+// What people have to know of an answer beside its record.
+std::string NoteOn(const Answer& answer) {
+    std::vector<std::string> notes;
+    if (answer.result_test)
+        notes.emplace_back(
+            "after OK alone, as a set that is no query has it, the answer is that text, 2 bytes");
+    if (*answer.note != '\0') notes.emplace_back(answer.note);
+    return Join(notes, "; ");
+}
+
 std::vector<std::string> TypeNames(Types types) {
     std::vector<std::string> names;
     for (const uint8_t type : kTypes)
@@ -162,6 +172,13 @@ std::vector<std::string> TypeNames(Types types) {
 std::string TypesText(Types types) {
     const std::vector<std::string> names = TypeNames(types);
     return names.size() == std::size(kTypes) ? "every form" : Join(names, ", ");
+}
+
+void PrintNote(std::ostream& out, const Look& look, const std::string& note) {
+    if (note.empty()) return;
+    Table table(2);
+    table.Row({"note", note});
+    table.Print(out, look);
 }
 
 void PrintAnswers(std::ostream& out, const Look& look, const Row& row) {
@@ -186,6 +203,7 @@ void PrintAnswers(std::ostream& out, const Look& look, const Row& row) {
             else
                 out << ": the result, told as " << Number(answer.length, "byte", "bytes")
                     << " that do not travel\n";
+            PrintNote(out, look, NoteOn(answer));
             continue;
         }
         out << ": " << answer.record->name << ", " << Number(answer.record->size, "byte", "bytes");
@@ -193,6 +211,7 @@ void PrintAnswers(std::ostream& out, const Look& look, const Row& row) {
         if (answer.carried != 0) out << ", the first " << answer.carried << " in the message";
         if (answer.file != nullptr) out << ", in the file " << answer.file;
         out << "\n";
+        PrintNote(out, look, NoteOn(answer));
         PrintRecord(out, look, *answer.record, nullptr);
     }
 }
@@ -344,6 +363,7 @@ void PrintCommand(std::ostream& out, const Look& look, const Row& row) {
         }
         head.Row({"example", ExampleCall(row)});
     }
+    if (*row.note != '\0') head.Row({"note", row.note});
     head.Print(out, look);
 
     for (const uint8_t type : kTypes) {
@@ -367,6 +387,7 @@ Json CommandJson(const Row& row) {
         json["types"] = TypesJson(row);
         json["example"] = ExampleCall(row);
     }
+    if (*row.note != '\0') json["note"] = row.note;
     if (const Record* record = RequestRecord(row, AT_CMD_TYPE_SET)) {
         json["request"] = RecordJson(*record, &row);
         json["request"]["lines"] = Json::array();
@@ -383,6 +404,7 @@ Json CommandJson(const Row& row) {
         Json one = {{"types", TypeNames(answer.types)}, {"length", AnswerLength(answer)}};
         if (answer.carried != 0) one["carried"] = answer.carried;
         if (answer.file != nullptr) one["file"] = answer.file;
+        if (const std::string note = NoteOn(answer); !note.empty()) one["note"] = note;
         if (answer.record != nullptr) one.update(RecordJson(*answer.record, nullptr));
         json["answers"].push_back(std::move(one));
     }

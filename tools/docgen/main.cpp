@@ -56,6 +56,14 @@ std::string Bytes(const Json& count) {
     return Number(count.get<size_t>(), "byte", "bytes");
 }
 
+// As a sentence.
+void Note(std::ostream& out, const Json& of) {
+    if (!of.contains("note")) return;
+    std::string note = of["note"];
+    note[0] = static_cast<char>(toupper(static_cast<unsigned char>(note[0])));
+    out << "\n" << Cell(note) << ".\n";
+}
+
 void Command(std::ostream& out, const Row& row) {
     const Json command = CommandJson(row);
     out << "\n## `" << CommandName(row) << "`" << (*row.title == '\0' ? "" : " ") << row.title << "\n\n"
@@ -67,6 +75,7 @@ void Command(std::ostream& out, const Row& row) {
         out << " Time-out " << command["timeout"] << " s. Example: `" << command["example"].get<std::string>()
             << "`\n";
 
+    Note(out, command);
     if (command.contains("request")) {
         const Json& request = command["request"];
         out << "\n**Request with set**: `" << request["record"].get<std::string>() << "`, "
@@ -94,6 +103,7 @@ void Command(std::ostream& out, const Row& row) {
                 out << "the result alone.\n";
             else
                 out << "the result, told as " << Bytes(answer["length"]) << " that do not travel.\n";
+            Note(out, answer);
             continue;
         }
         out << "`" << answer["record"].get<std::string>() << "`, " << Bytes(answer["size"]);
@@ -101,6 +111,7 @@ void Command(std::ostream& out, const Row& row) {
         if (answer.contains("carried")) out << ", the first " << answer["carried"] << " in the message";
         if (answer.contains("file")) out << ", in the file `" << answer["file"].get<std::string>() << "`";
         out << ".\n";
+        Note(out, answer);
         RecordOf(out, answer, false);
     }
 }
