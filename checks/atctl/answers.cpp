@@ -572,6 +572,27 @@ TEST(Show, AReportIsNoAnswerToAnything) {
     EXPECT_TRUE(Has(Shown("+CMTI"), "\nreport: AT_CMTI_NOTIFY_RES_PARA_T, "));
 }
 
+TEST(Show, ReportsThatNoModuleReceivesAreToldAsSuch) {
+    const std::string event = Shown("+CGEV");
+    EXPECT_TRUE(Has(event, "  reported  to no module\n")) << event;
+    EXPECT_TRUE(Has(event,
+                    "\nreport: AT_CGEV_RES_PARA_T, 32 bytes: what the server makes of the line, which no "
+                    "module receives\n"))
+        << event;
+    EXPECT_TRUE(CommandJson(FindCommand("+CGEV"))["reported_to"].empty());
+    const std::string message = Shown("+CMTI");
+    EXPECT_TRUE(Has(message, "  reported  to the module sms\n")) << message;
+    EXPECT_FALSE(Has(message, "no module")) << message;
+    EXPECT_EQ(CommandJson(FindCommand("+CMTI"))["reported_to"], nlohmann::ordered_json::array({"sms"}));
+    EXPECT_FALSE(CommandJson(FindCommand("+CSQ")).contains("reported_to"));
+
+    std::string nobodys;
+    for (const Row& row : Commands())
+        if (row.encode.kind == EncodeKind::absent && CommandJson(row)["reported_to"].empty())
+            nobodys += std::string(row.name) + " ";
+    EXPECT_EQ(nobodys, "+ZMACR +ZUSIMR +ZPASR +ZDONR +ZUnsupport +ZURDY +ZPBIC +CGEV ZVCONNECT ");
+}
+
 TEST(Show, EveryRowHasADescriptionInBothForms) {
     for (const Row& row : Commands()) {
         std::ostringstream out;

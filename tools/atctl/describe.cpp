@@ -4,8 +4,10 @@
 #include <nlohmann/json.hpp>
 
 #include "commands/timeouts.h"
+#include "reports/report_catalog.h"
 #include "tools/atctl/answer.h"
 #include "tools/atctl/find_command.h"
+#include "tools/atctl/module_name.h"
 #include "tools/atctl/request.h"
 #include "tools/shared/table.h"
 #include "tools/shared/text.h"
@@ -152,6 +154,18 @@ void PrintRecord(std::ostream& out, const Look& look, const Record& record, cons
     PrintRecord(out, look, *record.entry, nullptr);
 }
 
+// The modules that get a report under this id, by name. There may be none: some lines are read into a record
+// that is dropped then.
+std::vector<std::string> ReportedTo(const Row& row) {
+    std::vector<std::string> names;
+    for (const ReportInfo* report : kReports) {
+        const std::string name = NameOfModule(report->module);
+        if (report->id == row.id && std::find(names.begin(), names.end(), name) == names.end())
+            names.push_back(name);
+    }
+    return names;
+}
+
 // What people have to know of an answer beside its record.
 std::string NoteOn(const Answer& answer) {
     std::vector<std::string> notes;
@@ -210,6 +224,8 @@ void PrintAnswers(std::ostream& out, const Look& look, const Row& row) {
         if (AnswerLength(answer) != answer.record->size) out << ", told as " << AnswerLength(answer);
         if (answer.carried != 0) out << ", the first " << answer.carried << " in the message";
         if (answer.file != nullptr) out << ", in the file " << answer.file;
+        if (ReportOnly(row) && ReportedTo(row).empty())
+            out << ": what the server makes of the line, which no module receives";
         out << "\n";
         PrintNote(out, look, NoteOn(answer));
         PrintRecord(out, look, *answer.record, nullptr);
@@ -356,6 +372,8 @@ void PrintCommand(std::ostream& out, const Look& look, const Row& row) {
                               " in the search order"});
     if (ReportOnly(row)) {
         head.Row({"sent", "never; the modem reports it"});
+        const std::vector<std::string> modules = ReportedTo(row);
+        head.Row({"reported", modules.empty() ? "to no module" : "to the module " + Join(modules, ", ")});
     } else {
         head.Row({"time-out", std::to_string(TimeoutSeconds(row.id)) + " s"});
         for (const uint8_t type : kTypes) {
@@ -386,6 +404,8 @@ Json CommandJson(const Row& row) {
         json["timeout"] = TimeoutSeconds(row.id);
         json["types"] = TypesJson(row);
         json["example"] = ExampleCall(row);
+    } else {
+        json["reported_to"] = ReportedTo(row);
     }
     if (*row.note != '\0') json["note"] = row.note;
     if (const Record* record = RequestRecord(row, AT_CMD_TYPE_SET)) {

@@ -69,8 +69,12 @@ void Command(std::ostream& out, const Row& row) {
     out << "\n## `" << CommandName(row) << "`" << (*row.title == '\0' ? "" : " ") << row.title << "\n\n"
         << HexNumber(row.id) << ", row " << row.position << ".";
     const bool report = command["report_only"];
-    if (report)
-        out << " Only reported by the modem, never sent.\n";
+    const bool received = report && !command["reported_to"].empty();
+    if (received)
+        out << " Only reported by the modem, never sent; goes to the module `"
+            << Join(command["reported_to"].get<std::vector<std::string>>(), "`, `") << "`.\n";
+    else if (report)
+        out << " Only reported by the modem, never sent; no module receives it under this id.\n";
     else
         out << " Time-out " << command["timeout"] << " s. Example: `" << command["example"].get<std::string>()
             << "`\n";
@@ -110,6 +114,7 @@ void Command(std::ostream& out, const Row& row) {
         if (answer["length"] != answer["size"]) out << ", told as " << answer["length"];
         if (answer.contains("carried")) out << ", the first " << answer["carried"] << " in the message";
         if (answer.contains("file")) out << ", in the file `" << answer["file"].get<std::string>() << "`";
+        if (report && !received) out << ": what the server makes of the line, which no module receives";
         out << ".\n";
         Note(out, answer);
         RecordOf(out, answer, false);
