@@ -568,7 +568,12 @@ TEST(Show, EveryAnswerThatMayBeOkAloneSaysSo) {
     EXPECT_EQ(told, 3U);
 }
 
+TEST(Show, AnAnswerThatIsNotReadIsTheModemsOk) {
+    EXPECT_TRUE(Shown("+CHUP").ends_with("\nanswer: the result; after OK alone with that text, 2 bytes\n"));
+}
+
 TEST(Show, AReportIsNoAnswerToAnything) {
+    EXPECT_FALSE(Has(Shown("^CONN"), "answer"));
     EXPECT_TRUE(Has(Shown("+CMTI"), "\nreport: AT_CMTI_NOTIFY_RES_PARA_T, "));
 }
 

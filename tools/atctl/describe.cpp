@@ -206,7 +206,8 @@ void PrintAnswers(std::ostream& out, const Look& look, const Row& row) {
         head(TextTypes(row));
         out << ": the modem's text\n";
     }
-    if (row.decode.kind == DecodeKind::none) out << "\n" << what << ": the result alone\n";
+    if (row.decode.kind == DecodeKind::none && !ReportOnly(row))
+        out << "\nanswer: the result; after OK alone with that text, 2 bytes\n";
     if (!own) return;
     for (const Answer& answer : row.decode.answers) {
         if (answer.types == 0) continue;

@@ -127,9 +127,12 @@ void CommandReference(std::ostream& out) {
            "anew.\n\n"
            "Integers are in host byte order. A text ends with a NUL, bytes may fill their array. An empty "
            "text or "
-           "a zero\nmeans \"not given\". A form that is not named takes nothing and is answered with the "
+           "a zero\nmeans \"not given\".\n\n"
+           "A form whose request is not named takes nothing. An answer that is not named is not read: after "
+           "the modem's bare OK\n`usParaLen` is 2 and `aucParas` holds the text `OK`; when the modem said a "
+           "line of the command's own name, `usParaLen`\nis 0. It is 0 as well where the answer is the "
            "result "
-           "alone.\n\n"
+           "alone. A record that is read from a bare OK has zeros for numbers.\n\n"
            "| id | name | title |\n|---|---|---|\n";
     for (const Row& row : Commands())
         out << "| " << HexNumber(row.id) << " | `" << Cell(CommandName(row)) << "` | " << Cell(row.title)
