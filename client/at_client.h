@@ -161,7 +161,8 @@ void at_client_stop(at_client* client);
 /* Asks, and waits for the answer.
  *   cmd_id, cmd_type   command id, AT_CMD_TYPE_...
  *   paras, paras_size  the command's parameter record, exactly its size (null and 0 without one); the text of
- *                      a dial without its NUL
+ *                      a dial without its NUL, at most AT_DIAL_NUMBER_SIZE characters: the server cuts the
+ *                      rest and dials what is left
  *   timeout_ms         how long it may take in all, from 0 (one look); AT_CLIENT_PATIENT: as long as the
  * server itself waits for the modem and some more, see at_client_timeout_ms answer             where the
  * answer goes, whatever its result; may be null Errors: TIMED_OUT (the modem may still carry the command out;

@@ -9,7 +9,7 @@ static constexpr char kLogSource[] = "atencode";
 
 namespace {
 
-constexpr int kDialNumberMax = 35;  // characters
+constexpr int kDialNumberMax = AT_DIAL_NUMBER_SIZE;
 
 bool Holds(const Condition& condition, const uint8_t* record) {
     const FieldRef& field = condition.field;

@@ -85,6 +85,12 @@ int main(int argc, char** argv) {
                    help ? stdout : stderr);
         return help ? 0 : 2;
     }
+    // The server would cut it and dial somebody else.
+    if (std::strlen(argv[1]) > AT_DIAL_NUMBER_SIZE) {
+        std::fprintf(stderr, "place_call: a number has at most %d characters; this one has %zu\n",
+                     int{AT_DIAL_NUMBER_SIZE}, std::strlen(argv[1]));
+        return 2;
+    }
     std::setvbuf(stdout, nullptr, _IOLBF, 0);
     std::signal(SIGINT, [](int) { g_stop = true; });
     std::signal(SIGTERM, [](int) { g_stop = true; });

@@ -17,6 +17,7 @@ extern "C" {
 enum {
     AT_REQUEST_PARAS_SIZE = 632,  /* bytes of parameters that a request can carry */
     AT_RESPONSE_PARAS_SIZE = 634, /* bytes of parameters that an answer or a report can carry */
+    AT_DIAL_NUMBER_SIZE = 35,     /* characters of a number to dial that are dialled; the rest is cut */
     AT_WIRE_SIZE = 652            /* bytes of a MSG_BUF that travel: everything behind lMsgType */
 };
 

@@ -568,6 +568,12 @@ TEST(Show, EveryAnswerThatMayBeOkAloneSaysSo) {
     EXPECT_EQ(told, 3U);
 }
 
+TEST(Show, TellsHowLongANumberMayBe) {
+    EXPECT_TRUE(Has(Shown("D"), "\nrequest with execute: a telephone number, 1 to 35 characters; "));
+    EXPECT_EQ(CommandJson(FindCommand("D"))["types"]["execute"]["longest"], 35);
+    EXPECT_FALSE(CommandJson(FindCommand("D"))["types"]["set"].contains("longest"));
+}
+
 TEST(Show, AnAnswerThatIsNotReadIsTheModemsOk) {
     EXPECT_TRUE(Shown("+CHUP").ends_with("\nanswer: the result; after OK alone with that text, 2 bytes\n"));
 }

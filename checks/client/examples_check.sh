@@ -65,6 +65,15 @@ receive_messages --hepl
 receive_messages --help now
 WORDS
 
+# A number of 35 characters is asked for, which fails without a server; a longer one is not.
+number=12345678901234567890123456789012345
+start "$examples/place_call" "$number"
+wait "$example"
+expect "the longest number" "1 place_call: dialling: there is no queue of the server's; start at-server" "$? $(cat /tmp/out)"
+start "$examples/place_call" "${number}6"
+wait "$example"
+expect "a number that would be cut" "2 place_call: a number has at most 35 characters; this one has 36" "$? $(cat /tmp/out)"
+
 start "$examples/signal_meter"
 wait "$example"
 expect "without a server, the reason is told" "1 signal_meter: there is no queue of the server's; start at-server" "$? $(cat /tmp/out)"

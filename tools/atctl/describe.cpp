@@ -266,7 +266,10 @@ Json TypesJson(const Row& row) {
         Json one = Json::object();
         const Record* record = RequestRecord(row, type);
         one["request"] = record == nullptr ? 0 : record->size;
-        if (TakesNumber(row, type)) one["number"] = true;
+        if (TakesNumber(row, type)) {
+            one["number"] = true;
+            one["longest"] = kLongestNumber;
+        }
         const Answer* answer = AnswerOf(row, type);
         one["answer"] = answer == nullptr ? 0 : AnswerLength(*answer);
         if (GivesText(row, type)) one["text"] = true;

@@ -15,7 +15,7 @@ const Record* RequestRecord(const Row& row, uint8_t type);
 
 // True for the form that takes a telephone number, a text of 1 to kLongestNumber characters.
 bool TakesNumber(const Row& row, uint8_t type);
-inline constexpr size_t kLongestNumber = 35;
+inline constexpr size_t kLongestNumber = AT_DIAL_NUMBER_SIZE;
 inline constexpr char kNumberField[] = "number";
 
 // True when every line that the server makes of the record needs the field, or it is no part of the line (the

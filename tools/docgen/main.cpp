@@ -92,7 +92,11 @@ void Command(std::ostream& out, const Row& row) {
         if (!request["lines"].empty()) out << "\n";
     }
     if (!report && command["types"]["execute"].contains("number"))
-        out << "\n**Request with execute**: a telephone number.\n";
+        out << "\n**Request with execute**: a telephone number, 1 to "
+            << command["types"]["execute"]["longest"]
+            << " characters without a NUL; of a longer one the rest is\ncut, and a different number is "
+               "dialled. "
+               "The server adds `;`.\n";
     for (const Json& answer : command["answers"]) {
         out << "\n**" << (report ? "Report" : "Answer");
         if (!report) {
