@@ -167,6 +167,13 @@ TEST(DecodeAnswer, TextIsText) {
     EXPECT_TRUE(ok.fields.empty());
 }
 
+TEST(DecodeAnswer, ALineThatTheServerPassedOnIsText) {
+    const Decoded line = DecodeAs("+ZLOCKBAND=", AT_RESULT_OK, Text("+ZLOCKBAND: 41", 14));
+    EXPECT_EQ(line.text, "+ZLOCKBAND: 41");
+    EXPECT_TRUE(line.fields.empty());
+    EXPECT_EQ(Get<int32_t>(DecodeAs("+ZLOCKBAND=", AT_RESULT_OK, Text("+ZLO", 4)), "value"), 0x4f4c5a2b);
+}
+
 TEST(DecodeAnswer, WhatIsNeitherIsShownAsBytes) {
     const Decoded decoded = DecodeAs("+CFUN=", AT_RESULT_OK, Integers({1, 2}));
     EXPECT_EQ(decoded.raw, Integers({1, 2}));

@@ -79,7 +79,9 @@ bool IsInWords(const Answer& answer, const _BK_AT_RES_T& res) {
     const size_t length = std::min<size_t>(res.usParaLen, AT_RESPONSE_PARAS_SIZE);
     const std::string text = TextAt({res.aucParas, length});
     const bool fills = !text.empty() && text.size() == length && IsText(text);
-    if (res.ucResult == AT_RESULT_OK) return fills && text == "OK" && answer.record->size != length;
+    // More text than there is record is a line that the server passed on unread.
+    if (res.ucResult == AT_RESULT_OK)
+        return fills && ((text == "OK" && answer.record->size != length) || length > answer.record->size);
     return fills || res.usParaLen == 0;
 }
 
