@@ -70,7 +70,11 @@ static void StartWatchDog(uint16_t cmd_id) {
     if (cmd_id != kWatchDogCommand || ++g_dogref_count != 2) return;
     if (!ConfigIs("WatchDog_Setting_Option", "on") || ConfigIs("led_modem_updating", "1")) return;
     AT_LOG(LOG_INFO, "\n==========>>>>TIMER_AT_STATE_DETECT<<<<===========\n");
-    CreateSoftTimer(kWatchDogTimer, 1, kWatchDogPeriodMs, DetectAtTimer, nullptr);
+    if (CreateSoftTimer(kWatchDogTimer, 1, kWatchDogPeriodMs, DetectAtTimer, nullptr) != 0)
+        AT_LOG(LOG_ERR,
+               "[error]:Soft timer %d was not started! There is no modem watchdog until the server is "
+               "started again.",
+               kWatchDogTimer);
 }
 
 static void HandOver(const MSG_BUF& request, const char* line) {

@@ -81,6 +81,12 @@ int OpenModemPort() {
     cfg_set("data_card_mode", "KVX_LTE");
     cfg_set("lte_dial_mode", "ndis");
     cfg_set("port_stat", "port_open");
+    // Without it answers are taken apart in the way of another kind of modem, and come out wrong without a
+    // word.
+    if (!ConfigIs("data_card_mode", "KVX_LTE"))
+        AT_LOG(LOG_ERR,
+               "[error]:The configuration store does not keep data_card_mode=KVX_LTE! "
+               "Answers will be read wrongly. Can the store be written?");
     return 0;
 }
 

@@ -73,7 +73,9 @@ extern "C" int select(int count, fd_set* readable, fd_set* writable, fd_set* fai
         return -1;
     }
     if (Device().skip_waits && count == 0 && wait != nullptr) {
-        Device().waited_ms += static_cast<long>(wait->tv_sec * 1000 + wait->tv_usec / 1000);
+        const long milliseconds = static_cast<long>(wait->tv_sec * 1000 + wait->tv_usec / 1000);
+        if (Device().waited_ms == 0) Device().first_wait_ms = milliseconds;
+        Device().waited_ms += milliseconds;
         return 0;
     }
     timespec limit{};

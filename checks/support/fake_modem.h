@@ -27,6 +27,7 @@ struct FakeDevice {
     int flags = 0;            // of the last opening
     bool skip_waits = false;  // waits return at once and are counted
     long waited_ms = 0;
+    long first_wait_ms = 0;
     bool refuse_long_waits = false;  // a wait with more microseconds than a second has is an error
     int refused_waits = 0;
 

@@ -9,6 +9,7 @@ FakePlatform& Platform() {
 
 extern "C" const char* cfg_get(const char* key) {
     static thread_local std::string value;
+    if (Platform().keep_reads) Platform().reads.emplace_back(key);
     auto& config = Platform().config;
     auto it = config.find(key);
     if (it == config.end()) return nullptr;
@@ -24,6 +25,7 @@ extern "C" int cfg_set(const char* key, const char* value) {
 }
 
 extern "C" int CreateSoftTimer(int id, int periodic, unsigned period_ms, int (*callback)(void*), void* arg) {
+    if (Platform().fail_timers) return -1;
     Platform().timers.push_back({id, periodic, period_ms, callback, arg});
     return 0;
 }

@@ -10,7 +10,10 @@
 struct FakePlatform {
     std::map<std::string, std::string> config;
     std::vector<std::pair<std::string, std::string>> writes;  // every cfg_set, in order
+    std::vector<std::string> reads;                           // every key asked for, while keep_reads is set
+    bool keep_reads = false;
     bool fail_writes = false;
+    bool fail_timers = false;
 
     struct Timer {
         int id;

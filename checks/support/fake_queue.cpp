@@ -66,6 +66,7 @@ void FakeQueues::Put(int key, long type, std::vector<unsigned char> body) {
 // The linker takes these before the C library's own.
 extern "C" int msgget(key_t key, int flags) {
     std::lock_guard<std::mutex> hold(g_lock);
+    Queues().flags = flags;
     if (Queues().fail_get != 0) return Fail(Queues().fail_get);
     if (key == IPC_PRIVATE) {
         int id = -1 - Queues().private_queues++;

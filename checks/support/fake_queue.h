@@ -29,6 +29,8 @@ struct FakeQueues {
     int fail_receive = 0;
     int fail_control = 0;
 
+    int flags = 0;  // of the last msgget
+
     size_t capacity = 1'000;        // messages that one queue takes
     int private_queues = 0;         // queues that a msgget with key 0 created: each is a leak
     std::vector<FakeMessage> sent;  // every message sent, in order

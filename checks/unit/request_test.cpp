@@ -124,14 +124,14 @@ TEST_F(Receive, ShortMessageIsFilledWithZeros) {
     memset(reinterpret_cast<unsigned char*>(&sent) + 24, 0, sizeof sent - 24);
     EXPECT_TRUE(Same(request, sent));
     EXPECT_EQ(CheckRequest(request, request.aucDataBuf), -1);
-    EXPECT_TRUE(Logged("[error]: slop over. error code :42497", "at_server"));
+    EXPECT_TRUE(Logged("[error]: slop over. error code :42497", "at_server", 3));
 }
 
 TEST_F(Receive, EmptyMessageIsAnErrorAndGone) {
     Queues().Put(0x1000, 7, {});
     MSG_BUF request = Request(0x0604, 1);
     EXPECT_EQ(ReceiveRequest(queue_, request), -1);
-    EXPECT_TRUE(Logged("[error]: Receive message error!error code:42501", "at_server"));
+    EXPECT_TRUE(Logged("[error]: Receive message error!error code:42501", "at_server", 3));
     EXPECT_TRUE(Same(request, MSG_BUF{}));
     EXPECT_TRUE(Queues().waiting[0x1000].empty());
 }
@@ -141,7 +141,7 @@ TEST_F(Receive, MessageThatIsTooLongIsTakenOffOnceAndForgotten) {
     Queues().Put(0x1000, 8, Body(Request(0x0604, 1)));
     MSG_BUF request = {};
     EXPECT_EQ(ReceiveRequest(queue_, request), -1);
-    EXPECT_TRUE(Logged("[error]: Receive message error!error code:42501", "at_server"));
+    EXPECT_TRUE(Logged("[error]: Receive message error!error code:42501", "at_server", 3));
     EXPECT_TRUE(Same(request, MSG_BUF{}));
     EXPECT_EQ(Queues().waiting[0x1000].size(), 1u);
     EXPECT_EQ(ReceiveRequest(queue_, request), 652);
@@ -153,7 +153,7 @@ TEST_F(Receive, TypeOfMoreThan32BitsIsAnError) {
     Queues().Put(0x1000, LONG_MAX, Body(Request(0x0604, 1)));
     MSG_BUF request = {};
     EXPECT_EQ(ReceiveRequest(queue_, request), -1);
-    EXPECT_TRUE(Logged("[error]: Receive message error!error code:42501", "at_server"));
+    EXPECT_TRUE(Logged("[error]: Receive message error!error code:42501", "at_server", 3));
     EXPECT_TRUE(Same(request, MSG_BUF{}));
 }
 
@@ -166,7 +166,7 @@ TEST_F(Receive, OtherFailuresWaitALittle) {
         EXPECT_GE(Milliseconds() - begin, 49) << error;
         EXPECT_TRUE(Same(request, MSG_BUF{}));
     }
-    EXPECT_TRUE(Logged("[error]: Receive message error!error code:42501", "at_server"));
+    EXPECT_TRUE(Logged("[error]: Receive message error!error code:42501", "at_server", 3));
 }
 
 TEST_F(Check, GoodRequest) {
@@ -177,7 +177,7 @@ TEST_F(Check, GoodRequest) {
 
 TEST_F(Check, NoDataIsRefused) {
     EXPECT_EQ(CheckRequest(Request(0x0604, 1), nullptr), -1);
-    EXPECT_TRUE(Logged("[error]: Receive a 0 length message. error code :42503", "at_server"));
+    EXPECT_TRUE(Logged("[error]: Receive a 0 length message. error code :42503", "at_server", 3));
 }
 
 TEST_F(Check, EveryByteOfTheGuardWordCounts) {
@@ -186,7 +186,7 @@ TEST_F(Check, EveryByteOfTheGuardWordCounts) {
         MSG_BUF request = Request(0x0604, 1);
         reinterpret_cast<unsigned char*>(&request)[652 + byte] = ';';
         EXPECT_EQ(CheckRequest(request, request.aucDataBuf), -1);
-        EXPECT_TRUE(Logged("[error]: slop over. error code :42497", "at_server"));
+        EXPECT_TRUE(Logged("[error]: slop over. error code :42497", "at_server", 3));
     }
 }
 
@@ -249,7 +249,7 @@ TEST_F(Serve, RequestWithoutALineIsInFlightAndNothingIsSent) {
         ServeRequest(request);
         EXPECT_EQ(modem_.Heard(), "");
         EXPECT_EQ(g_at_processing, 0u);
-        EXPECT_TRUE(Logged("[error]:Parse AT Message error!error code:42504", "at_server"));
+        EXPECT_TRUE(Logged("[error]:Parse AT Message error!error code:42504", "at_server", 3));
         EXPECT_FALSE(LoggedPart("Send AT"));
         EXPECT_TRUE(HandoverTake());
         EXPECT_TRUE(Same(g_at_msg, request));
@@ -320,6 +320,20 @@ TEST_F(ServeDogref, OnlyTheSecondOneStartsTheWatchdog) {
     EXPECT_TRUE(Logged("\n==========>>>>TIMER_AT_STATE_DETECT<<<<===========\n", "at_server"));
 }
 
+TEST_F(ServeDogref, TimerThatCannotBeStartedIsTold) {
+    Platform().config["WatchDog_Setting_Option"] = "on";
+    Platform().fail_timers = true;
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_FALSE(LoggedPart("Soft timer"));
+        ServeRequest(Request(0x062E, 1));
+        HandoverTake();
+    }
+    EXPECT_TRUE(
+        Logged("[error]:Soft timer 25 was not started! There is no modem watchdog until the server is "
+               "started again.",
+               "at_server", 3));
+}
+
 TEST_F(ServeDogref, WatchdogThatIsSwitchedOnLaterIsNeverStarted) {
     for (const char* option : {"", "off", "ON"}) {
         SetUp();
@@ -361,6 +375,16 @@ TEST_F(ServeDogref, RequestWithoutALineDoesNotCount) {
 }
 
 // The loop never returns: it runs in a process of its own, whose exit status says how far things went.
+TEST_F(Loop, TimeIsCountedFromItsBeginning) {
+    EXPECT_EXIT(
+        {
+            g_at_send_time = 0;
+            std::thread(RequestLoop, queue_).detach();
+            _exit(Becomes([] { return g_at_send_time != 0; }) ? 0 : 1);
+        },
+        testing::ExitedWithCode(0), "");
+}
+
 TEST_F(Loop, ServesOneRequestAfterTheOther) {
     EXPECT_EXIT(
         {
@@ -376,7 +400,7 @@ TEST_F(Loop, ServesOneRequestAfterTheOther) {
 
             if (!Becomes([&] { return modem_.Heard() == "AT+CSQ\r"; })) _exit(1);
             if (!Logged("message recieve error!", "at_server", 6)) _exit(2);
-            if (!Logged("message check error!", "at_server")) _exit(3);
+            if (!Logged("message check error!", "at_server", 3)) _exit(3);
             if (!Logged("Receive a message from module 0x2345 ", "at_server", 5)) _exit(4);
             if (!Logged("Receive a message from module g_at_msg.lMsgType=7 ", "at_server", 5)) _exit(5);
             if (!LoggedPart("AT Command statistics:[send/received/report/lost/-msgNum-] (0/0/0/0/5)\n"))

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <pthread.h>
 #include <string.h>
+#include <sys/ipc.h>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
 #include <unistd.h>
@@ -160,7 +161,23 @@ TEST_F(OpenPort, FirstAttempt) {
     EXPECT_EQ(Device().waited_ms, 0);
     EXPECT_TRUE(Logged("Open serial port SUCCESE!", "at_server"));
     EXPECT_FALSE(LoggedPart("Modem need enough time"));
+    EXPECT_FALSE(LoggedPart("does not keep"));
     EXPECT_EQ(Platform().writes, kPortOpen);
+}
+
+TEST_F(OpenPort, StoreThatDoesNotKeepTheKindOfModemIsTold) {
+    Device().present = true;
+    Platform().fail_writes = true;
+    EXPECT_EQ(OpenModemPort(), 0) << "it goes on";
+    EXPECT_TRUE(
+        Logged("[error]:The configuration store does not keep data_card_mode=KVX_LTE! Answers will be "
+               "read wrongly. Can the store be written?",
+               "at_server", 3));
+    close(g_iFdCom);
+    ClearLog();
+    Platform().config["data_card_mode"] = "KVX_LTE";
+    EXPECT_EQ(OpenModemPort(), 0);
+    EXPECT_FALSE(LoggedPart("does not keep")) << "somebody else has put it there";
 }
 
 TEST_F(OpenPort, SecondAttemptWaitsForTheModemToGetReady) {
@@ -201,6 +218,7 @@ TEST_F(OpenPort, ModemThatNeverAppearsEndsAfter101Attempts) {
 
 TEST_F(ServerQueue, IsCreated) {
     const int queue = CreateServerQueue();
+    EXPECT_EQ(Queues().flags, IPC_CREAT | 0600) << "nobody else may put requests into it";
     EXPECT_NE(queue, -1);
     EXPECT_EQ(Queues().waiting.count(0x1000), 1u);
     ASSERT_EQ(LoggedLines().size(), 2u);
