@@ -81,6 +81,9 @@ TEST(Startup, MakesTheWatchDogDirectoryWhenTheOptionIsOn) {
         struct stat made {};
         EXPECT_EQ(stat("/etc_rw/config/WatchDog", &made), 0);
         EXPECT_TRUE(S_ISDIR(made.st_mode));
+        const mode_t mask = umask(0);
+        umask(mask);
+        EXPECT_EQ(made.st_mode & 0777, 0777 & ~mask);
         EXPECT_EQ(world.log.Count("watchdog does not exist,socreate it."), 1);
     }
     {

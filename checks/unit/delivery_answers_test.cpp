@@ -75,9 +75,13 @@ TEST_F(Delivery, TwoResponsesInOneReadAndAThirdThatCompletesLater) {
 TEST_F(Delivery, FailedSendStillCountsAsAnswered) {
     Pend(0x0604, AT_CMD_TYPE_EXEC);
     Queues().Reset();
+    g_last_atcmd = 0;
+    const auto received = g_at_statistics.received.load();
     Feed("\r\n+CSQ: 20,99\r\n\r\nOK\r\n");
     EXPECT_TRUE(Logged("ERROR: send_msg_buf send msg failed, error code 42506!", "response", 3));
     EXPECT_EQ(g_at_msg.lMsgType, -1);
+    EXPECT_EQ(g_last_atcmd, 0x0604);
+    EXPECT_EQ(g_at_statistics.received, received + 1);
 }
 
 // ------------------------------------------------------------------- the polling step
@@ -104,10 +108,39 @@ TEST_F(Delivery, StepWithDataIsLoggedAndHandled) {
                "response"));
     EXPECT_TRUE(Logged("acComReceive=\r\n+CSQ: 20,99\r\n\r\nOK\r\n", "response"));
     EXPECT_TRUE(Logged("pAtRes=\r\n+CSQ: 20,99\r\n\r\nOK\r\n", "response"));
-    EXPECT_TRUE(Logged("\t#nIsLast:1\n", "response", 7));
-    EXPECT_TRUE(Logged("\t#AtResResult:1\n", "response", 7));
-    EXPECT_TRUE(Logged("\t#AtResParaLen:8\n", "response", 7));
     EXPECT_TRUE(Logged("send AT Response to module 0x2345 OK!", "response", 5));
+}
+
+TEST_F(Delivery, AnswerIsLoggedFieldByField) {
+    const auto shown = [](const std::string& result, const std::string& length, const std::string& text,
+                          const std::string& whole) {
+        const std::string rule = "+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+";
+        return std::vector<std::string>{rule,
+                                        "\t#nIsLast:1\n",
+                                        "\t#AtResResult:" + result + "\n",
+                                        "\t#AtResParaLen:" + length + "\n",
+                                        "\t#AtResParas:" + text + "\n",
+                                        rule,
+                                        "AT Result =" + whole};
+    };
+    const auto logged = [] {
+        std::vector<std::string> lines;
+        for (const LogLine& line : LoggedLines())
+            if (line.module == "response" && line.level == 7 &&
+                (line.text.starts_with("+-") || line.text.starts_with("\t#") ||
+                 line.text.starts_with("AT Result")))
+                lines.push_back(line.text);
+        ClearLog();
+        return lines;
+    };
+    ClearLog();
+    Pend(0x0507, AT_CMD_TYPE_EXEC);
+    Feed("\r\n+CME ERROR: 10\r\n");
+    EXPECT_EQ(logged(), shown("4", "2", "10", "10"));
+    Pend(0x010B, AT_CMD_TYPE_SET);
+    Feed("\r\nERROR\r\n");
+    EXPECT_EQ(logged(), shown("2", "0", "", "OK"))
+        << "where there is no text it says OK, whatever the result";
 }
 
 TEST_F(Delivery, ReadsAreCountedForTheWatchdogOnlyWhileItIsOn) {

@@ -1,5 +1,6 @@
 #include "port/com.h"
 
+#include <dlfcn.h>
 #include <errno.h>
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -23,7 +24,21 @@ namespace {
 
 using std::string;
 
+int g_last_action = -1;  // of tcsetattr
+
 constexpr tcflag_t kSpeedBits = CBAUD;
+
+}  // namespace
+
+// The linker takes it before the C library's own.
+extern "C" int tcsetattr(int fd, int action, const termios* settings) {
+    g_last_action = action;
+    using Function = int (*)(int, int, const termios*);
+    static const auto real = reinterpret_cast<Function>(dlsym(RTLD_NEXT, "tcsetattr"));
+    return real(fd, action, settings);
+}
+
+namespace {
 
 termios Built(const PORT_INFO_T& info) {
     termios settings;
@@ -224,6 +239,13 @@ TEST(PortApplySettings, ReplacesWhatTheDeviceHadAndThrowsAwayInput) {
     EXPECT_EQ(cfgetospeed(&now), speed_t{B115200});
     char text[16];
     EXPECT_EQ(PortRecv(terminal.port, text, sizeof text), 0);
+}
+
+TEST(PortApplySettings, DoesNotWaitForOutputThatTheModemDoesNotTake) {
+    Terminal terminal;
+    g_last_action = -1;
+    EXPECT_EQ(PortApplySettings(terminal.port, g_sPortInfo), 0);
+    EXPECT_EQ(g_last_action, TCSANOW);
 }
 
 TEST(PortApplySettings, ResultIsThatOfTheDevice) {

@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 #include <syslog.h>
 
+#include <set>
+
 #include "checks/support/fake_platform.h"
 #include "checks/support/fake_shell.h"
 #include "checks/support/log_capture.h"
@@ -117,8 +119,13 @@ TEST_F(Watchdog, OffReadsTheTwoKeysAndWritesNothing) {
         Platform().config["at_abnormal_reboot_count"] = "3";
         AtStatistics.read = 5;
         ClearLog();
+        Platform().keep_reads = true;
+        Platform().reads.clear();
         for (int i = 0; i < 6; i++)
             Period();
+        const std::set<std::string> keys(Platform().reads.begin(), Platform().reads.end());
+        EXPECT_EQ(keys, (std::set<std::string>{"WatchDog_Setting_Option", "at_abnormal_reboot_count"}));
+        EXPECT_EQ(Platform().reads.size(), 12U);
         EXPECT_EQ(no_at_count, 0);
         EXPECT_EQ(AtStatistics.read, 5U);
         EXPECT_EQ(LoggedLines().size(), 6U) << option;
