@@ -23,6 +23,7 @@ if [[ $1 = --inside ]]; then
     procd_set_param() { echo "$@"; }
     procd_close_instance() { echo close; }
     procd_add_reload_trigger() { echo "trigger $1"; }
+    logger() { echo "$3: $4"; } # called as logger -s -t NAME TEXT
     # Only root's files can be made here: that of another user's is told.
     chown() { echo "chown $2 $3"; } # called as chown -h USER FILE
     # shellcheck source=packaging/openwrt/at-server/files/at-server.init
@@ -49,7 +50,7 @@ mkdir -p "$work"
 # ---- the Makefile
 run() { make -s -C "$package" TOPDIR="$here/openwrt" INCLUDE_DIR="$here/openwrt" WORK="$work" PKG_INSTALL_DIR="$work/whole" "$@"; }
 mapfile -t values < <(run values)
-check "name and version" test "${values[0]}" = "at-server $VERSION"
+check "name and version, and cmake's own installation" test "${values[0]}" = "at-server $VERSION 1"
 check "the configuration file is kept" test "${values[2]}" = /etc/config/at-server
 check "the sources" run prepare
 check "they are all there" test -s "$work/source/CMakeLists.txt" -a -s "$work/source/client/at_client.h"
@@ -124,6 +125,19 @@ close
 trigger at-server
 $places
 16384" enabled=1 user=root
+
+started "a size that is no number is told and left" "chown at-server /etc/cusd
+chown at-server /etc_rw/config
+at-server: queue_bytes '64k' in /etc/config/at-server is no number of bytes
+open
+command /usr/sbin/at-server
+user at-server
+no_new_privs 1
+respawn 3600 5 0
+close
+trigger at-server
+$places
+16384" enabled=1 user=at-server queue_bytes=64k
 
 started "an earlier run's store goes to the user" "chown at-server /etc/cusd
 chown at-server /etc_rw/config

@@ -9,7 +9,7 @@ dev:
 install:
 	$$(call Package/$(1)/install,$(DESTINATION))
 values:
-	@echo '$(PKG_NAME) $(PKG_VERSION)'
+	@echo '$(PKG_NAME) $(PKG_VERSION) $(PKG_INSTALL)'
 	@echo '$(strip $(CMAKE_OPTIONS))'
 	@echo '$$(strip $$(call Package/$(1)/conffiles))'
 endef
