@@ -4,6 +4,10 @@
 # at_platform_library("FILE[;FILE...]"): the first file (.a, .so or .o) gives the functions of platform/platform.h,
 # the others are what it needs in turn, for a static library cannot say so itself.
 function(at_platform_library files)
+  if("${files}" STREQUAL "")
+    message(FATAL_ERROR "AT_PLATFORM is empty. It is 'host', 'none', or the full path of the router's library (.a, .so or "
+      ".o); several files are separated by semicolons.")
+  endif()
   set(paths "")
   foreach(file IN LISTS files)
     get_filename_component(path "${file}" ABSOLUTE BASE_DIR ${CMAKE_SOURCE_DIR})
