@@ -27,8 +27,8 @@ extern unsigned char g_sms_prompt;
 // *pnComplete becomes 1 when the buffer holds a complete response. 0, or -1 for a null argument.
 int Bk_PreProcess_SIO_Rdata(char* pBuf, int* pnComplete, char* pRecv);
 
-// The first half of it, for a caller that frames by itself. Returns how many characters of what was in `pBuf`
-// were dropped from its start.
+// The first half of it, for a caller that frames by itself. Returns how many characters of the joined
+// text were dropped from its start.
 size_t AppendReceived(char* pBuf, char* pRecv);
 
 // What is known of the text in a buffer, so that a chunk costs what the chunk is long.

@@ -1,8 +1,9 @@
 #ifndef AT_PORT_TRANSMIT_H
 #define AT_PORT_TRANSMIT_H
 
-// Writing lines to the modem: by the request thread for requests, by the response thread for follow-up lines
-// of reports. Log lines carry "at_server".
+// Writing to the modem: by the request thread for requests, by the response thread for the text of a message
+// at its prompt and, in builds that call reports/connection.h, for follow-up lines. Log lines carry
+// "at_server".
 
 // Writes `line` (NUL-terminated) to the modem's port. 0 on success, 1 on a null line or a failed write.
 int send_at_cmd(const char* line);

@@ -41,10 +41,11 @@ extern std::atomic<uint32_t> g_at_processing;
 // by the response thread.
 extern std::atomic<uint32_t> g_atd_warting;
 
-// times() at the last line that was written. Lines are written by both threads.
+// times() at the last line that was written. Written by the request thread, and by the response thread for
+// follow-up lines (reports/connection.h).
 extern std::atomic<uint32_t> g_at_send_time;
 
-// Transaction counters: lines written (both threads), answers delivered and reports routed (response thread),
+// Transaction counters: lines written (as above), answers delivered and reports routed (response thread),
 // requests that ended by time-out (response thread). Read by the request thread for the statistics line.
 struct AT_STATISTICS_T {
     std::atomic<uint32_t> send;

@@ -337,7 +337,7 @@ void TakeCallingNumber(Report& report) {
     AT_LOG(LOG_DEBUG, "+CLIP: dest =%s\n", number);
 }
 
-// The state of a call over LTE. A line without a number changes nothing.
+// The state of a call over LTE. A line without a number says nothing of a call: it is no 0, which ends one.
 void NoteCallState(Report& report) {
     static constexpr FieldRef kState[] = {{0, 4, FieldType::i32}};
     char line[kParaLineSize];

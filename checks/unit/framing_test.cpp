@@ -379,7 +379,7 @@ TEST(BkPreProcess, EqualsThePlainFormNearTheLimit) {
     }
 }
 
-TEST(AppendReceived, TellsHowMuchOfTheOldTextWasDropped) {
+TEST(AppendReceived, TellsHowMuchOfTheJoinedTextWasDropped) {
     char buffer[64] = "";
     char first[] = "echo";
     char second[] = " more\r\nx";
