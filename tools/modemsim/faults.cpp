@@ -74,7 +74,7 @@ std::vector<Step> StormSteps(std::uint64_t count, Time every) {
     std::vector<Step> steps;
     for (std::uint64_t i = 0; i < count; ++i) {
         Step report;
-        report.text = "\r\n" + std::string(kReports.at(i % kReports.size())) + "\r\n";
+        report.text = "\r\n" + std::string(kReports.at(static_cast<size_t>(i % kReports.size()))) + "\r\n";
         steps.push_back(report);
         Step pause;
         pause.kind = Step::Kind::Wait;
