@@ -79,7 +79,8 @@ inline constexpr Row kDataRows[] = {
                 .answers = {{.types = kSet},
                             {.types = kRead,
                              .length = 3564,
-                             .note = "the number of the last context goes to the key apn_profile_num"}},
+                             .note = "when there is more than one context, the first digit of the last "
+                                     "one's number goes to the key apn_profile_num"}},
                 .function = Parse_CGDCONT_Res}},
     {.position = 81, .id = 0x060F, .name = "+ZDISDATA", .encode = kNoParameters, .decode = kResultOnly},
     {.position = 101,

@@ -195,7 +195,9 @@ inline constexpr Row kSimRows[] = {
                              .record = &kCpinVReadRes,
                              .from = From::normalised,
                              .format = "%d %d %d %d %d",
-                             .log = {kCpinVLog}}},
+                             .log = {kCpinVLog},
+                             .note = "a line without READY and without a comma is answered without the "
+                                     "record"}},
                 .function = Parse_CPIN_V_Res}},
     {.position = 78,
      .id = 0x0111,

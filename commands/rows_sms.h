@@ -182,7 +182,9 @@ inline constexpr Row kSmsRows[] = {
                              .from = From::normalised,
                              .format = "%d %32s %d %700s",
                              .args = {{"stat", "alpha", "length", "pdu"}},
-                             .carried = 512}},
+                             .carried = 512,
+                             .note = "after OK alone, as for an empty place, the answer is that text, 2 "
+                                     "bytes"}},
                 .function = Parse_Cmgr_Res}},
     {.position = 51,
      .id = 0x0110,

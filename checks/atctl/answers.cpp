@@ -539,10 +539,10 @@ TEST(Show, HasNotes) {
     EXPECT_TRUE(
         Has(locks,
             "\nanswer to set: AT_CLCK_SET_RES_PARA_T, 8 bytes\n"
-            "  note  after OK alone, as a set that is no query has it, the answer is that text, 2 bytes\n"
+            "  note  after OK alone, which ends every set but a query, the answer is that text, 2 bytes\n"
             "    offset "))
         << locks;
-    EXPECT_TRUE(Has(Shown("+CGDCONT"), " do not travel\n  note  the number of the last context goes to "));
+    EXPECT_TRUE(Has(Shown("+CGDCONT"), " do not travel\n  note  when there is more than one context, "));
     EXPECT_TRUE(Has(Shown("+ZLOCKF"), "\n  note      while bandmode is 4 "));
     EXPECT_FALSE(Has(Shown("+CSQ"), "note"));
 

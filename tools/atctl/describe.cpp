@@ -171,7 +171,7 @@ std::string NoteOn(const Answer& answer) {
     std::vector<std::string> notes;
     if (answer.result_test)
         notes.emplace_back(
-            "after OK alone, as a set that is no query has it, the answer is that text, 2 bytes");
+            "after OK alone, which ends every set but a query, the answer is that text, 2 bytes");
     if (*answer.note != '\0') notes.emplace_back(answer.note);
     return Join(notes, "; ");
 }
