@@ -49,7 +49,7 @@ bool RecordingFile::Add(const Entry& entry, std::string& reason) {
     broken_ = true;
     // Of a line that found no room any more only a part may stand there. What is no file has nothing to cut.
     struct stat info = {};
-    if (fstat(fd_, &info) == 0 && S_ISREG(info.st_mode) && ftruncate(fd_, size_) != 0)
+    if (fstat(fd_, &info) == 0 && S_ISREG(info.st_mode) && ftruncate(fd_, static_cast<off_t>(size_)) != 0)
         reason += std::string(" (its last line is not complete: ") + std::strerror(errno) + ")";
     return false;
 }

@@ -66,7 +66,8 @@ void Modem::Restart(Time now) {
 
 std::string Modem::Clock() const {
     constexpr std::time_t kBegin = 1'795'251'600;  // 2026-11-21 09:00:00 UTC
-    const std::time_t now = kBegin + std::chrono::duration_cast<std::chrono::seconds>(now_).count();
+    const auto passed = std::chrono::duration_cast<std::chrono::seconds>(now_).count();
+    const std::time_t now = kBegin + static_cast<std::time_t>(passed);
     std::tm parts = {};
     gmtime_r(&now, &parts);
     std::array<char, 32> text = {};
