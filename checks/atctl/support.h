@@ -29,7 +29,7 @@ Bytes operator+(Bytes left, const Bytes& right);
 _BK_AT_RES_T Res(uint16_t id, uint8_t type, uint8_t result, const Bytes& paras,
                  std::optional<uint16_t> told = std::nullopt);
 
-bool WaitUntil(const std::function<bool()>& condition, double seconds = 5);
+bool WaitUntil(const std::function<bool()>& condition, double seconds = 30);
 
 // What travels, as the queue calls take it.
 struct Wire {

@@ -19,7 +19,7 @@ inline constexpr uint8_t kRead = AT_CMD_TYPE_READ;
 std::string Show(const Received& message);
 
 // The next message of a module, or "nothing" when none comes in time.
-std::string Next(const Module& module, double seconds = 10);
+std::string Next(const Module& module, double seconds = kPatience);
 
 // What a report to `module` and the answer to a request of `module` look like. `length` is the length word of
 // the parameters where it is not that of `paras`.

@@ -17,8 +17,12 @@
 // with queues. Everything stands at the daemon's fixed paths, so these checks run inside scripts/sandbox
 // only.
 
+// How long to wait, in seconds, for what will come. Much longer than it takes: when every processor is busy,
+// the kernel itself has been seen to keep a pty's bytes back for five seconds.
+constexpr double kPatience = 30;
+
 // Calls `condition` until it is true or `seconds` have passed; its last value.
-bool WaitUntil(const std::function<bool()>& condition, double seconds = 5);
+bool WaitUntil(const std::function<bool()>& condition, double seconds = kPatience);
 
 // The modem: a raw pty linked at the daemon's device, or at `device`. Each line that arrives (up to a CR, or
 // up to 0x1A) is answered with what `answer` returns; nothing is sent for an empty text.
@@ -37,7 +41,7 @@ class Modem {
     std::vector<std::string> Lines() const;  // everything received, CR or 0x1A cut off
     std::string Bytes() const;               // everything received, as it came
     void ForgetLines();
-    bool WaitForLine(const std::string& line, double seconds = 5) const;
+    bool WaitForLine(const std::string& line, double seconds = kPatience) const;
     void StopReading();   // what is written to the port stays in it
     void StartReading();  // again; what waited is read first
     void Unplug();        // the pty is closed, the link goes
@@ -75,7 +79,7 @@ class LogCollector {
     std::vector<Line> Lines() const;
     void Forget();  // everything collected
     int Count(const std::string& part) const;
-    bool WaitFor(const std::string& part, double seconds = 5, int count = 1) const;
+    bool WaitFor(const std::string& part, double seconds = kPatience, int count = 1) const;
 
   private:
     void Run();
@@ -120,9 +124,10 @@ class Module {
     std::string Request(uint16_t cmd, uint8_t type, const std::string& record = {}) const;
     void Ask(uint16_t cmd, uint8_t type, const std::string& record = {}, long message_type = 7) const;
     // False when nothing came in time.
-    bool Receive(Received& received, double seconds = 5) const;
+    bool Receive(Received& received, double seconds = kPatience) const;
     // Asks and waits for the answer to that command.
-    Received Exchange(uint16_t cmd, uint8_t type, const std::string& record = {}, double seconds = 5) const;
+    Received Exchange(uint16_t cmd, uint8_t type, const std::string& record = {},
+                      double seconds = kPatience) const;
 
   private:
     uint16_t id_;

@@ -15,7 +15,7 @@ constexpr uint8_t kReportType = 1;
 
 // Longer than the ten seconds after which the daemon answers in the modem's place, with those who wait
 // before.
-constexpr double kPatience = 60;
+constexpr double kAnswerSeconds = 60;
 
 // True when the file has the size of the list's record and counts that many entries.
 bool ListIs(const char* path, long size, int32_t entries) {
@@ -129,7 +129,7 @@ void Traffic::Ask(const Module& module, const Kind& kind) {
     module.Ask(kind.id, kind.type, kind.record, number);
     Received got;
     if (!Wait(
-            module, got, [&] { return got.type == number; }, kPatience)) {
+            module, got, [&] { return got.type == number; }, kAnswerSeconds)) {
         ++tally.lost;
         if (break_ == before) Fault(std::string(kind.name) + ": no answer");
         return;
@@ -156,7 +156,7 @@ void Traffic::MakeACall(bool incoming) {
     const auto expect = [&](uint16_t id, const char* what) {
         Received got;
         if (Wait(
-                call_, got, [&] { return got.id == id; }, kPatience))
+                call_, got, [&] { return got.id == id; }, kAnswerSeconds))
             return true;
         if (break_ == before) Fault(std::string("call: no ") + what);
         return false;
