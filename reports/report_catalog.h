@@ -19,6 +19,7 @@ struct ReportInfo {
     const char* title = nullptr;          // a few words for people
     Optional<const Record*> record = {};  // left out: text, as the modem said it
     Optional<const char*> file = {};      // the record travels in this file, not in the message
+    const char* note = "";                // what else people have to know of it
 };
 
 // Of a report's description only what sending needs: its words stay out of the daemon.
@@ -82,7 +83,8 @@ inline constexpr ReportInfo kRingbackReport = {0x053D, AT_MODULE_CALL, 1, "RINGB
 inline constexpr ReportInfo kNoCarrierReport = {0x040E, AT_MODULE_CALL, 1, "VOICE NO CARRIER", "call ended"};
 inline constexpr ReportInfo kStopRingReport = {0x040C, AT_MODULE_CALL, 1, "STOPRING", "ringing stopped"};
 inline constexpr ReportInfo kRingReport = {0x0407, AT_MODULE_CALL, 1, "RING", "incoming call"};
-inline constexpr ReportInfo kCallingNumberReport = {0x0513, AT_MODULE_CALL, 1, "+CLIP", "calling number"};
+inline constexpr ReportInfo kCallingNumberReport = {
+    0x0513, AT_MODULE_CALL, 1, "+CLIP", "calling number", {}, {}, "The number alone."};
 inline constexpr ReportInfo kCallWaitingReport = {0x052C, AT_MODULE_CALL, 1, "+CCWA", "call waiting"};
 inline constexpr ReportInfo kConnectReport = {0x040D, AT_MODULE_CALL, 1, "CONNECT", "call connected"};
 inline constexpr ReportInfo kAnswerReport = {0x040A, AT_MODULE_CALL, 1, "ANSWER", "call answered"};
@@ -91,10 +93,15 @@ inline constexpr ReportInfo kCallBeginReport = {0x0541, AT_MODULE_CALL, 1, "^CON
 inline constexpr ReportInfo kCallEndReport = {0x0542, AT_MODULE_CALL, 1, "^CEND", "call ended"};
 inline constexpr ReportInfo kCallStateReport = {0x055E, AT_MODULE_CALL, 1, "+ZCPI", "call state"};
 // Whatever follows an answer of these two commands is sent as a further line of it.
+inline constexpr char kFurtherNote[] =
+    "After an answer to this command every report comes under this id until another command has been "
+    "answered: look at "
+    "the length before you take it for the record.";
 inline constexpr ReportInfo kMoreDivertsReport = {
-    0x052B, AT_MODULE_CALL, 2, "+CCFC", "further line of the call diverts", &kCcfcSetRes};
+    0x052B, AT_MODULE_CALL, 2, "+CCFC", "further line of the call diverts", &kCcfcSetRes, {}, kFurtherNote};
 inline constexpr ReportInfo kMoreWaitingReport = {
-    0x052C, AT_MODULE_CALL, 2, "+CCWA", "further line of the call waiting state", &kCcwaSetRes};
+    0x052C, AT_MODULE_CALL, 2, "+CCWA", "further line of the call waiting state", &kCcwaSetRes,
+    {},     kFurtherNote};
 
 // ---- SIM and registration
 
@@ -137,8 +144,15 @@ inline constexpr ReportInfo kToolkitAsksTextReport = {0x070A, AT_MODULE_TOOLKIT,
 inline constexpr ReportInfo kToolkitAsksKeyReport = {0x070C, AT_MODULE_TOOLKIT, 2, "+ZGINK",
                                                      "the SIM asks for a key"};
 inline constexpr ReportInfo kToolkitTimeReport = {0x0710, AT_MODULE_TOOLKIT, 2, "+ZMTime", "toolkit time"};
-inline constexpr ReportInfo kToolkitFixedReport = {0x0711, AT_MODULE_TOOLKIT, 2, "+ZFDIST",
-                                                   "text to display, or an unsupported command"};
+inline constexpr ReportInfo kToolkitFixedReport = {
+    0x0711,
+    AT_MODULE_TOOLKIT,
+    2,
+    "+ZFDIST",
+    "text to display, or an unsupported command",
+    {},
+    {},
+    "`+ZUnsupport: 5` comes as `rt: 5`: it is cut where `+ZFDIST: ` would end."};
 
 // ---- USSD
 

@@ -160,8 +160,12 @@ void OneReport(std::ostream& out, const ReportInfo& report) {
     const std::string type = NameOfType(report.type);
     out << "\n### `" << report.name << "` " << report.title << "\n\nCommand " << HexNumber(report.id)
         << ", type " << int{report.type} << (type.empty() ? "" : " (" + type + ")") << ". ";
+    const auto note = [&] {
+        if (*report.note != '\0') out << "\n" << report.note << "\n";
+    };
     if (report.record == nullptr) {
         out << "Text.\n";
+        note();
         return;
     }
     const Json record = RecordJson(*report.record, nullptr);
@@ -169,6 +173,7 @@ void OneReport(std::ostream& out, const ReportInfo& report) {
     if (report.file != nullptr) out << ", in the file `" << report.file << "`";
     out << ".\n";
     RecordOf(out, record, false);
+    note();
 }
 
 void ReportReference(std::ostream& out) {
@@ -180,7 +185,7 @@ void ReportReference(std::ostream& out) {
            "failed), "
            "command and type as listed here.\nIntegers are in host byte order, a text ends with a NUL. Where "
            "no record is named, `aucParas` is text of\n`usParaLen` characters, as the modem said it; that of "
-           "`+CLIP` is the number alone.\n\n"
+           "toolkit events is what follows their name.\n\n"
            "A module that has no queue misses its reports: each is dropped with a line in the log. `atctl "
            "monitor` shows them in\nplace of the modules.\n";
     for (const ModuleName& module : ReportedModules()) {
