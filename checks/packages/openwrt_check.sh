@@ -103,16 +103,17 @@ drwxr-xr-x /etc_rw/config
 16384" enabled=0 user=at-server
 places="drwxr-xr-x /etc_rw/config
 -rw-r--r-- /etc/cusd"
-started "switched on" "chown at-server /etc/cusd
-chown at-server /etc_rw/config
-open
+served="open
 command /usr/sbin/at-server
 user at-server
 no_new_privs 1
 respawn 3600 5 0
 close
 trigger at-server
-$places
+$places"
+started "switched on" "chown at-server /etc/cusd
+chown at-server /etc_rw/config
+$served
 65536" enabled=1 user=at-server queue_bytes=65536
 started "with another user, and queues as they are" "chown root /etc/cusd
 chown root /etc_rw/config
@@ -129,14 +130,7 @@ $places
 started "a size that is no number is told and left" "chown at-server /etc/cusd
 chown at-server /etc_rw/config
 at-server: queue_bytes '64k' in /etc/config/at-server is no number of bytes
-open
-command /usr/sbin/at-server
-user at-server
-no_new_privs 1
-respawn 3600 5 0
-close
-trigger at-server
-$places
+$served
 16384" enabled=1 user=at-server queue_bytes=64k
 
 started "an earlier run's store goes to the user" "chown at-server /etc/cusd
@@ -144,25 +138,11 @@ chown at-server /etc_rw/config
 chown at-server /etc_rw/config/.store
 chown at-server /etc_rw/config/.store/data.mdb
 chown at-server /etc_rw/config/.store/lock.mdb
-open
-command /usr/sbin/at-server
-user at-server
-no_new_privs 1
-respawn 3600 5 0
-close
-trigger at-server
-$places
+$served
 16384" enabled=1 user=at-server store=directory
 started "what a link in its place leads to does not" "chown at-server /etc/cusd
 chown at-server /etc_rw/config
-open
-command /usr/sbin/at-server
-user at-server
-no_new_privs 1
-respawn 3600 5 0
-close
-trigger at-server
-$places
+$served
 16384" enabled=1 user=at-server store=link
 
 ((failures == 0))
