@@ -81,6 +81,17 @@ std::string LineAfter(const std::string& text, const std::string& head) {
     return text.substr(at, text.find("\r\n", at) - at);
 }
 
+// All that was logged, in order; all of it for debugging.
+std::vector<std::string> DebugLines() {
+    std::vector<std::string> texts;
+    for (const LogLine& line : LoggedLines()) {
+        EXPECT_EQ(line.module, "attest");
+        EXPECT_EQ(line.level, LOG_DEBUG);
+        texts.push_back(line.text);
+    }
+    return texts;
+}
+
 // --- switched off ----------------------------------------------------------------------------------------
 
 TEST_F(AtTest, OffHandsOnWhatWasReceived) {
@@ -149,22 +160,16 @@ TEST_F(AtTest, ExecuteOfCsqAndOneReportWithEachOfTheFirstFourChunks) {
 TEST_F(AtTest, StepsAreLogged) {
     Pending(0x0604, AT_CMD_TYPE_EXEC);
     Run();
-    std::vector<std::string> texts;
-    for (const LogLine& line : LoggedLines()) {
-        EXPECT_EQ(line.module, "attest");
-        EXPECT_EQ(line.level, LOG_DEBUG);
-        texts.push_back(line.text);
-    }
-    EXPECT_EQ(texts, (std::vector<std::string>{
-                         "MakeAtResponse  On\n",
-                         "====================BEGIN==================!\n",
-                         "Open AT_Test.ini file error and make AT Res from list!\n",
-                         "tAtRes->usCmdID= 0x0604 OK!\n",
-                         "AT_CMD_TYPE_EXEC======\n",
-                         "MakeAtRes .........AT+CSQ \r\n+CSQ:20,60\r\n\r\nOK\r\n\n",
-                         "MakeAutoAtRes .........\r\n+CMTI: \"SM\",8\r\n\n",
-                         "=====================END=====================!\n",
-                     }));
+    EXPECT_EQ(DebugLines(), (std::vector<std::string>{
+                                "MakeAtResponse  On\n",
+                                "====================BEGIN==================!\n",
+                                "Open AT_Test.ini file error and make AT Res from list!\n",
+                                "tAtRes->usCmdID= 0x0604 OK!\n",
+                                "AT_CMD_TYPE_EXEC======\n",
+                                "MakeAtRes .........AT+CSQ \r\n+CSQ:20,60\r\n\r\nOK\r\n\n",
+                                "MakeAutoAtRes .........\r\n+CMTI: \"SM\",8\r\n\n",
+                                "=====================END=====================!\n",
+                            }));
 }
 
 TEST_F(AtTest, TypeOfARequestInTheListIsLoggedByItsName) {
@@ -332,22 +337,16 @@ TEST_F(AtTest, MissingReportCountIsNotLogged) {
     Ini("[AT_TEST]\nAT_ITEM_REQUEST_NUM=1\n[REQUESTRES]\nAT_ITEM1=AT+CSQ::OK\\r\\n\n");
     Line("AT+CSQ\r");
     EXPECT_EQ(Run(), "OK\r\n");
-    std::vector<std::string> texts;
-    for (const LogLine& line : LoggedLines()) {
-        EXPECT_EQ(line.module, "attest");
-        EXPECT_EQ(line.level, LOG_DEBUG);
-        texts.push_back(line.text);
-    }
-    EXPECT_EQ(texts, (std::vector<std::string>{
-                         "MakeAtResponse  On\n",
-                         "====================BEGIN==================!\n",
-                         "Open AT_Test.ini file success and make AT Res from ini file!\n",
-                         ">>>>>>Request Num:1<<<<<<\n",
-                         "Find the request at response!\n",
-                         "Resqust str=OK\r\n\n",
-                         "No auto response cat\n",
-                         "=====================END=====================!\n",
-                     }));
+    EXPECT_EQ(DebugLines(), (std::vector<std::string>{
+                                "MakeAtResponse  On\n",
+                                "====================BEGIN==================!\n",
+                                "Open AT_Test.ini file success and make AT Res from ini file!\n",
+                                ">>>>>>Request Num:1<<<<<<\n",
+                                "Find the request at response!\n",
+                                "Resqust str=OK\r\n\n",
+                                "No auto response cat\n",
+                                "=====================END=====================!\n",
+                            }));
 }
 
 TEST_F(AtTest, FileIsReadAnewForEachChunk) {
