@@ -5,8 +5,11 @@
 set -u
 export LC_ALL=C
 here=$(cd -P -- "$(dirname -- "${BASH_SOURCE[0]}")" && pwd -P)
-# shellcheck source=checks/packages/verdict.sh
-. "$here/verdict.sh"
+# Both lie beside this script where it was copied into another root.
+support=$here/../support
+[[ -e $support/verdict.sh ]] || support=$here
+# shellcheck source=checks/support/verdict.sh
+. "$support/verdict.sh"
 
 # ---- in the booted system. $data is the only directory that both sides know.
 data=/var/lib/boot-check
@@ -109,7 +112,7 @@ boot() {
     overlay_of_this_machine "$work/root" || return 77
     work=$work/root
     mkdir -p "$work/root$data" && cp -r "$2" "$work/root$data/debs" || return 77
-    cp "${BASH_SOURCE[0]}" "$here/verdict.sh" "$here/../support/world.sh" "$work/root$data/"
+    cp "${BASH_SOURCE[0]}" "$support/verdict.sh" "$support/world.sh" "$work/root$data/"
     # Where this machine is itself a container it may forbid packages to start their services.
     rm -f "$work/root/usr/sbin/policy-rc.d"
     units "$work/root/etc/systemd/system"
@@ -131,10 +134,7 @@ case $1 in
     --boot) boot "$2" "$3" "$4" ;;
     *)
         build=$1 work=$2
-        for command in systemd-nspawn dpkg dpkg-shlibdeps file cpack unshare nsenter setpriv; do
-            command -v "$command" >/dev/null || skip "$command is missing: run scripts/setup --all on a Debian system"
-        done
-        ((EUID == 0)) || skip "only root can boot a system"
+        needs "boot a system" systemd-nspawn dpkg dpkg-shlibdeps file cpack unshare nsenter setpriv
         rm -rf "$work"
         mkdir -p "$work/root"
         work=$(cd -P -- "$work" && pwd -P)

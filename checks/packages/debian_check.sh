@@ -6,8 +6,11 @@ set -u
 export LC_ALL=C
 here=$(cd -P -- "$(dirname -- "${BASH_SOURCE[0]}")" && pwd -P)
 
-# shellcheck source=checks/packages/verdict.sh
-. "$here/verdict.sh"
+# Both lie beside this script where it was copied into another root.
+support=$here/../support
+[[ -e $support/verdict.sh ]] || support=$here
+# shellcheck source=checks/support/verdict.sh
+. "$support/verdict.sh"
 
 # ---- in the clean root
 # What differs from the machine below, but for what dpkg and the system write about any package.
@@ -134,7 +137,7 @@ case $1 in
         enter_clean_root "$2" "$3" || skip "cannot make the clean root"
         # The check itself from the machine: the overlay shows it, but only if it lies on the root file system.
         cp "${BASH_SOURCE[0]}" "$2/root/tmp/check"
-        cp "$here/../support/world.sh" "$here/verdict.sh" "$2/root/tmp/"
+        cp "$support/world.sh" "$support/verdict.sh" "$2/root/tmp/"
         DEBIAN_FRONTEND=noninteractive exec chroot "$2/root" /bin/bash /tmp/check --clean
         ;;
     --clean)
@@ -146,10 +149,8 @@ case $1 in
         ;;
     *)
         build=$1 work=$2
-        for command in dpkg dpkg-shlibdeps file cpack unshare setpriv systemd-sysusers systemd-tmpfiles; do
-            command -v "$command" >/dev/null || skip "$command is missing: run scripts/setup --all on a Debian system"
-        done
-        ((EUID == 0)) || skip "only root can install packages in a clean root"
+        needs "install packages in a clean root" \
+            dpkg dpkg-shlibdeps file cpack unshare setpriv systemd-sysusers systemd-tmpfiles
         rm -rf "$work"
         mkdir -p "$work/root"
         work=$(cd -P -- "$work" && pwd -P)

@@ -6,8 +6,8 @@ set -u
 root=$(cd -P -- "$(dirname -- "${BASH_SOURCE[0]}")/../.." && pwd -P)
 # shellcheck source=checks/support/world.sh
 . "$root/checks/support/world.sh"
-# shellcheck source=checks/packages/verdict.sh
-. "$root/checks/packages/verdict.sh"
+# shellcheck source=checks/support/verdict.sh
+. "$root/checks/support/verdict.sh"
 
 if [[ $1 = --inside ]]; then
     prefix=$2

@@ -8,8 +8,8 @@ export LC_ALL=C
 here=$(cd -P -- "$(dirname -- "${BASH_SOURCE[0]}")" && pwd -P)
 root=$(cd -P -- "$here/../.." && pwd -P)
 package=$root/packaging/openwrt/at-server
-# shellcheck source=checks/packages/verdict.sh
-. "$here/verdict.sh"
+# shellcheck source=checks/support/verdict.sh
+. "$root/checks/support/verdict.sh"
 
 if [[ $1 = --inside ]]; then
     # The values of /etc/config/at-server are given as NAME=VALUE.

@@ -8,8 +8,8 @@ here=$(cd -P -- "$(dirname -- "${BASH_SOURCE[0]}")" && pwd -P)
 root=$(cd -P -- "$here/../.." && pwd -P)
 # shellcheck source=checks/support/world.sh
 . "$root/checks/support/world.sh"
-# shellcheck source=checks/packages/verdict.sh
-. "$here/verdict.sh"
+# shellcheck source=checks/support/verdict.sh
+. "$root/checks/support/verdict.sh"
 
 if [[ $1 = --inside ]]; then
     bin=$2

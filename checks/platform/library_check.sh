@@ -6,6 +6,8 @@ set -u
 root=$(cd -P -- "$(dirname -- "${BASH_SOURCE[0]}")/../.." && pwd -P)
 # shellcheck source=checks/support/world.sh
 . "$root/checks/support/world.sh"
+# shellcheck source=checks/support/verdict.sh
+. "$root/checks/support/verdict.sh"
 
 if [[ $1 = --inside ]]; then
     tools=$2 daemon=$3
@@ -18,12 +20,6 @@ tools=$1 work=$2
 "$root/scripts/sandbox" -- true || exit 77
 rm -rf "$work"
 mkdir -p "$work"
-failures=0
-passed() { echo "ok      $1"; }
-failed() {
-    echo "FAILED  $1"
-    failures=$((failures + 1))
-}
 
 # library OUTPUT FLAG...: the example as OUTPUT, whose ending says which form is meant.
 library() {
@@ -105,6 +101,7 @@ echo 'int nothing_of_use;' >"$work/empty.c"
 refused "no function at all" "lacks cfg_get, cfg_set, CreateSoftTimer:" "$work/libempty.a"
 echo 'text' >"$work/libtext.so"
 refused "a file that is no library" "cannot be linked: $work/libtext.so" "$work/libtext.so"
+refused "an empty name" "AT_PLATFORM is empty" ""
 refused "no such file" "there is no library $work/libnone.a" "$work/libnone.a"
 
 ((failures == 0))

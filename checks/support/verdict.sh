@@ -1,4 +1,4 @@
-# Sourced by the checks of this folder: named verdicts, one a line, and how many of them were bad.
+# Sourced by checks that are shell scripts: named verdicts, one a line, and how many of them were bad.
 # shellcheck shell=bash
 failures=0
 passed() { echo "ok      $1"; }
@@ -16,6 +16,15 @@ check() {
 skip() {
     echo "$(basename "${BASH_SOURCE[-1]}" .sh): $1" >&2
     exit 77
+}
+# needs PURPOSE COMMAND...: skips where one of the commands is missing, or who runs this is not root.
+needs() {
+    local purpose=$1 command
+    shift
+    for command; do
+        command -v "$command" >/dev/null || skip "$command is missing: run scripts/setup --all on a Debian system"
+    done
+    ((EUID == 0)) || skip "only root can $purpose"
 }
 # make_packages BUILD-DIRECTORY WORK-DIRECTORY: the Debian packages, into WORK-DIRECTORY/debs
 make_packages() {
