@@ -8,6 +8,8 @@
 #include <termios.h>
 #include <unistd.h>
 
+#include <chrono>
+
 #include "checks/dialogue/target.h"
 #include "checks/dialogue/world.h"
 #include "platform/platform.h"
@@ -59,6 +61,20 @@ TEST(Startup, LogsItsStepsInOrder) {
             ++step;
     EXPECT_EQ(step, std::size(kSteps)) << "missing: " << kSteps[step < std::size(kSteps) ? step : 0];
     EXPECT_EQ(world.log.Lines().front().level, 2);
+}
+
+// The queue is there a second before anything answers.
+TEST(Startup, PausesBeforeTheResponseThread) {
+    World world(PlainAnswer);
+    ASSERT_TRUE(world.log.WaitFor("Creating AT collection thread success!"));
+    std::chrono::steady_clock::time_point queue{};
+    std::chrono::steady_clock::time_point thread{};
+    for (const auto& line : world.log.Lines()) {
+        if (line.text.rfind("Creating public message queue success!", 0) == 0) queue = line.at;
+        if (line.text == "Creating AT collection thread success!") thread = line.at;
+    }
+    // The collector may have been late for the first of them.
+    EXPECT_GT(std::chrono::duration<double>(thread - queue).count(), 0.5);
 }
 
 TEST(Startup, SwitchesThePortToRawWithHardwareFlowControl) {

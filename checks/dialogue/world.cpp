@@ -208,6 +208,7 @@ void LogCollector::Run() {
             line.module = all.substr(header + 3, comma - header - 3);
             line.text = all.substr(blank + 1);
         }
+        line.at = std::chrono::steady_clock::now();
         std::lock_guard<std::mutex> hold(lock_);
         lines_.push_back(std::move(line));
     }

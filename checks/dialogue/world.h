@@ -4,6 +4,7 @@
 #include <sys/types.h>
 
 #include <atomic>
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <mutex>
@@ -75,6 +76,7 @@ class LogCollector {
         int level;
         std::string text;  // without the header and "module, line "
         std::string module;
+        std::chrono::steady_clock::time_point at{};  // when it came
     };
     std::vector<Line> Lines() const;
     void Forget();  // everything collected
