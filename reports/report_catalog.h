@@ -95,8 +95,7 @@ inline constexpr ReportInfo kCallStateReport = {0x055E, AT_MODULE_CALL, 1, "+ZCP
 // Whatever follows an answer of these two commands is sent as a further line of it.
 inline constexpr char kFurtherNote[] =
     "After an answer to this command every report comes under this id until another command has been "
-    "answered: look at "
-    "the length before you take it for the record.";
+    "answered: look at the length before you take it for the record.";
 inline constexpr ReportInfo kMoreDivertsReport = {
     0x052B, AT_MODULE_CALL, 2, "+CCFC", "further line of the call diverts", &kCcfcSetRes, {}, kFurtherNote};
 inline constexpr ReportInfo kMoreWaitingReport = {
